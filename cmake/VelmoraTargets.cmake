@@ -1,0 +1,50 @@
+# How the project's libraries are declared.
+#
+# Each folder of src/ is one static library. Headers are included as "folder/Name.h". A library sees only the folders
+# that it links: every library's include root holds one link to its own folder and nothing else, so that an include
+# against the direction of the layers does not compile.
+
+add_library(velmora_flags INTERFACE)
+target_compile_options(
+  velmora_flags
+  INTERFACE -Wall
+            -Wextra
+            -Wpedantic
+            -Wshadow
+            -Wconversion
+            -Wnon-virtual-dtor
+            -Woverloaded-virtual
+            $<$<BOOL:${VELMORA_WERROR}>:-Werror>)
+target_compile_definitions(
+  velmora_flags
+  INTERFACE QT_NO_CAST_FROM_ASCII
+            QT_NO_CAST_TO_ASCII
+            QT_NO_KEYWORDS
+            QT_NO_CONTEXTLESS_CONNECT
+            BOOST_ASIO_NO_DEPRECATED
+            BOOST_ASIO_DISABLE_BOOST_COROUTINE)
+if(VELMORA_SANITIZE)
+  target_compile_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer
+                                                 -fno-sanitize-recover=all)
+  target_link_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE})
+endif()
+
+# velmora_library(name DIR folder SOURCES … LINKS … [PRIVATE_LINKS …])
+function(velmora_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  set(target velmora_${name})
+  set(root ${CMAKE_BINARY_DIR}/include/${name})
+  file(MAKE_DIRECTORY ${root})
+  if(NOT EXISTS ${root}/${name})
+    file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${name} ${root}/${name} SYMBOLIC)
+  endif()
+  if(ARG_SOURCES)
+    add_library(${target} STATIC ${ARG_SOURCES})
+    target_include_directories(${target} PUBLIC ${root})
+    target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE velmora_flags ${ARG_PRIVATE_LINKS})
+  else()
+    add_library(${target} INTERFACE)
+    target_include_directories(${target} INTERFACE ${root})
+    target_link_libraries(${target} INTERFACE ${ARG_LINKS})
+  endif()
+endfunction()

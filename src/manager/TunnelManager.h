@@ -1,0 +1,129 @@
+#pragma once
+
+#include "base/Observable.h"
+#include "base/Uuid.h"
+#include "manager/KeychainStore.h"
+#include "model/ConnectionStatus.h"
+#include "model/SSHHost.h"
+#include "platform/CredentialStore.h"
+#include "platform/DefaultsStore.h"
+#include "platform/Paths.h"
+#include "platform/ProcessLauncher.h"
+#include "platform/ProcessRunner.h"
+#include "platform/Scheduler.h"
+#include "tunnel/PortPlanning.h"
+#include "tunnel/TunnelEngine.h"
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+/// The system as the manager sees it. All of it outlives the manager.
+struct Platform {
+    Paths paths;
+    Scheduler& scheduler;
+    ProcessLauncher& launcher;
+    ProcessRunner& runner;
+    CredentialStore& credentials;
+    DefaultsStore& defaults;
+    std::string sshProgram = "/usr/bin/ssh";
+};
+
+/// The one controller that the windows talk to: owns the hosts, the settings and the tunnels. Lives from launch to
+/// quit. Main thread only.
+class TunnelManager final {
+public:
+    using PortConflict = velmora::PortConflict;
+
+    /// Reads settings and hosts, and connects the hosts marked for start-up.
+    explicit TunnelManager(Platform platform);
+    TunnelManager(const TunnelManager&) = delete;
+    TunnelManager& operator=(const TunnelManager&) = delete;
+    ~TunnelManager();
+
+    // ---- hosts ----
+
+    [[nodiscard]] Observable<std::vector<SSHHost>>& hosts() { return hosts_; }
+    [[nodiscard]] const Observable<std::vector<SSHHost>>& hosts() const { return hosts_; }
+
+    /// Writes the hosts file. A change of `hosts` by itself writes nothing. Errors are silent.
+    void save();
+    /// Stops the host, forgets it, its status and its password, and saves.
+    void deleteHost(const Uuid& id);
+    /// The host with this id, or null. Valid until `hosts` changes.
+    [[nodiscard]] const SSHHost* findHost(const Uuid& id) const;
+
+    // ---- tunnels ----
+
+    void connect(const SSHHost& host) { engine_->connect(host); }
+    void disconnect(const SSHHost& host) { engine_->disconnect(host); }
+    void toggle(const SSHHost& host) { engine_->toggle(host); }
+    void reconnectActiveHosts() { engine_->reconnectActiveHosts(); }
+    /// What the program does before it ends: every ssh is asked to end, every askpass file goes.
+    void terminateAllProcesses() { engine_->terminateAllProcesses(); }
+
+    [[nodiscard]] ConnectionStatus status(const Uuid& id) const { return engine_->status(id); }
+    [[nodiscard]] Observable<StatusTable>& statuses() { return engine_->statuses(); }
+    [[nodiscard]] Observable<ConnectionTimes>& connectedAt() { return engine_->connectedAt(); }
+    [[nodiscard]] bool isActive(const SSHHost& host) const { return engine_->status(host.id).isActive(); }
+    /// How long the host has been connected, in words; nothing without a connection time.
+    [[nodiscard]] std::optional<std::string> uptimeString(const Uuid& id) const;
+    [[nodiscard]] std::filesystem::path logURL(const SSHHost& host) const { return engine_->logURL(host); }
+    /// The ssh command line that a user can paste into a terminal.
+    [[nodiscard]] std::string sshCommand(const SSHHost& host) const;
+
+    [[nodiscard]] std::int64_t suggestedDynamicPort() const { return velmora::suggestedDynamicPort(hosts_.get()); }
+    [[nodiscard]] std::vector<PortConflict> portConflicts(const SSHHost& host) const {
+        return velmora::portConflicts(host, hosts_.get());
+    }
+
+    // ---- passwords ----
+
+    [[nodiscard]] KeychainStore& keychain() { return keychain_; }
+
+    // ---- settings: stored as they are set ----
+
+    [[nodiscard]] const Observable<bool>& performanceMode() const { return performanceMode_; }
+    [[nodiscard]] const Observable<std::string>& globalProxyJump() const { return globalProxyJump_; }
+    [[nodiscard]] const Observable<bool>& globalProxyJumpEnabled() const { return globalProxyJumpEnabled_; }
+    [[nodiscard]] const Observable<std::string>& proxyExceptions() const { return proxyExceptions_; }
+
+    /// Running tunnels keep their options until their next connect.
+    void setPerformanceMode(bool on);
+    /// Takes effect at the next connect, or when the switch below is turned.
+    void setGlobalProxyJump(std::string jumpHost);
+    /// Restarts every active host.
+    void setGlobalProxyJumpEnabled(bool on);
+    void setProxyExceptions(std::string exceptions);
+
+private:
+    void loadSettings();
+    void loadHosts();
+    void connectStartupHosts();
+    void keepUnreadableHostsFile();
+    [[nodiscard]] SshSettings sshSettings() const;
+    [[nodiscard]] Environment resolvedEnvironment();
+
+    Platform platform_;
+    KeychainStore keychain_;
+    std::filesystem::path storageURL_;
+    std::filesystem::path logDir_;
+    bool hostsFileUnreadable_ = false;
+
+    Observable<std::vector<SSHHost>> hosts_;
+    Observable<bool> performanceMode_{false};
+    Observable<std::string> globalProxyJump_;
+    Observable<bool> globalProxyJumpEnabled_{false};
+    Observable<std::string> proxyExceptions_;
+
+    std::unique_ptr<TunnelEngine> engine_;
+};
+
+}  // namespace velmora
