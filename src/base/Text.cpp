@@ -116,4 +116,15 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     }
 }
 
+std::string join(const std::vector<std::string>& pieces, std::string_view separator) {
+    std::string joined;
+    for (const auto& piece : pieces) {
+        if (&piece != &pieces.front()) {
+            joined += separator;
+        }
+        joined += piece;
+    }
+    return joined;
+}
+
 }  // namespace velmora

@@ -20,4 +20,7 @@ namespace velmora {
 /// The pieces between separators, empty ones included; one piece for an empty text.
 [[nodiscard]] std::vector<std::string_view> split(std::string_view text, char separator);
 
+/// The pieces with the separator between each two.
+[[nodiscard]] std::string join(const std::vector<std::string>& pieces, std::string_view separator);
+
 }  // namespace velmora

@@ -33,6 +33,7 @@ struct Platform {
     ProcessRunner& runner;
     CredentialStore& credentials;
     DefaultsStore& defaults;
+    Environment environment;  ///< the application's own
     std::string sshProgram = "/usr/bin/ssh";
 };
 

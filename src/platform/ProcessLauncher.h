@@ -31,7 +31,8 @@ struct ProcessEvents {
     std::function<void(int status)> exited;
 };
 
-/// A started process. Destroying the handle leaves the process running and its events coming.
+/// A started process. Destroying the handle leaves the process running and its events coming. Does not outlive its
+/// launcher.
 class ChildProcess {
 public:
     ChildProcess() = default;

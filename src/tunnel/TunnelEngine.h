@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Observable.h"
+#include "base/Result.h"
 #include "base/UniqueFd.h"
 #include "base/Uuid.h"
 #include "model/ConnectionStatus.h"
@@ -73,14 +74,20 @@ public:
     [[nodiscard]] const Observable<ConnectionTimes>& connectedAt() const { return connectedAt_; }
 
 private:
+    /// Names a task in `delayedTasks_`. Forgetting the name does not cancel the task.
+    using DelayedTask = std::uint64_t;
+
     void setStatus(const Uuid& id, ConnectionStatus status);
     void removeConnectionTime(const Uuid& id);
-    void prepareAskpass(const SSHHost& host, Environment& environment);
+    [[nodiscard]] AskpassPrepared prepareAskpass(const SSHHost& host, Environment& environment);
+    Result<std::unique_ptr<ChildProcess>, Error> launch(const SSHHost& host, std::vector<std::string> arguments,
+                                                        Environment environment);
     [[nodiscard]] ProcessEvents eventsFor(const SSHHost& host);
-    void scheduleSurvivalCheck(const Uuid& id);
     void checkSurvival(const Uuid& id);
     void handleExit(const Uuid& id, const std::string& reason);
     void retry(const Uuid& id);
+    [[nodiscard]] DelayedTask startTask(std::chrono::milliseconds delay, std::function<void()> work);
+    void cancelRetry(const Uuid& id);
 
     Scheduler& scheduler_;
     ProcessLauncher& launcher_;
@@ -92,12 +99,12 @@ private:
     std::unordered_map<Uuid, std::unique_ptr<ChildProcess>> processes_;
     std::unordered_map<Uuid, UniqueFd> stdinPipes_;
     std::unordered_map<Uuid, AskpassScript> tempAskpassFiles_;
-    std::unordered_map<Uuid, Scheduler::TimerHandle> retryTasks_;
+    std::unordered_map<Uuid, DelayedTask> retryTasks_;
     std::unordered_map<Uuid, std::int64_t> retryCounts_;
     std::unordered_set<Uuid> manuallyDisconnected_;
 
-    std::unordered_map<std::uint64_t, Scheduler::TimerHandle> survivalChecks_;
-    std::uint64_t nextSurvivalCheck_ = 0;
+    std::unordered_map<DelayedTask, Scheduler::TimerHandle> delayedTasks_;
+    DelayedTask nextTask_ = 0;
 
     /// Tasks that come back from the I/O thread hold this weakly: they find out whether the engine is still there.
     std::shared_ptr<TunnelEngine*> self_;

@@ -1,0 +1,177 @@
+#include "manager/TunnelManager.h"
+
+#include "base/AtomicFile.h"
+#include "base/Text.h"
+#include "model/HostJson.h"
+#include "tunnel/AskpassScript.h"
+
+#include <algorithm>
+
+namespace velmora {
+
+namespace {
+
+namespace keys {
+
+constexpr std::string_view performanceMode = "performanceMode";
+constexpr std::string_view globalProxyJump = "globalProxyJump";
+constexpr std::string_view globalProxyJumpEnabled = "globalProxyJumpEnabled";
+constexpr std::string_view proxyExceptions = "proxyExceptions";
+
+}  // namespace keys
+
+}  // namespace
+
+TunnelManager::TunnelManager(Platform platform)
+    : platform_(std::move(platform)),
+      keychain_(platform_.credentials),
+      storageURL_(platform_.paths.applicationSupport / "Velmora" / "hosts.json"),
+      logDir_(platform_.paths.library / "Logs" / "Velmora") {
+    removeAbandonedAskpassScripts(platform_.paths.temporary);
+    loadSettings();
+    std::ignore = createPrivateDirectory(storageURL_.parent_path());  // silent: the program works without
+    std::ignore = createPrivateDirectory(logDir_);                    // silent too
+    engine_ = std::make_unique<TunnelEngine>(
+        platform_.scheduler, platform_.launcher,
+        TunnelSources{
+            .hosts = [this]() -> const std::vector<SSHHost>& { return hosts_.get(); },
+            .settings = [this] { return sshSettings(); },
+            .password = [this](const Uuid& id) { return keychain_.load(id); },
+            .environment = [this] { return resolvedEnvironment(); },
+        },
+        TunnelPlaces{platform_.sshProgram, platform_.paths.home, logDir_, platform_.paths.temporary});
+    loadHosts();
+    connectStartupHosts();
+}
+
+TunnelManager::~TunnelManager() = default;
+
+void TunnelManager::loadSettings() {
+    performanceMode_.set(platform_.defaults.boolean(keys::performanceMode));
+    globalProxyJump_.set(platform_.defaults.string(keys::globalProxyJump));
+    globalProxyJumpEnabled_.set(platform_.defaults.boolean(keys::globalProxyJumpEnabled));
+    proxyExceptions_.set(platform_.defaults.string(keys::proxyExceptions));
+}
+
+void TunnelManager::loadHosts() {
+    std::error_code error;
+    if (!std::filesystem::exists(storageURL_, error)) {
+        return;
+    }
+    auto bytes = readFile(storageURL_, maximumHostListSize);
+    auto hosts = bytes ? decodeHosts(*bytes) : bytes.error();
+    if (hosts) {
+        hosts_.set(*std::move(hosts));
+    } else {
+        hostsFileUnreadable_ = true;  // silent: the program starts without hosts, and the file stays until it is saved
+    }
+}
+
+void TunnelManager::connectStartupHosts() {
+    const auto hosts = hosts_.get();
+    for (const auto& host : hosts) {
+        if (host.connectOnStartup && !host.hostname.empty()) {
+            connect(host);
+        }
+    }
+}
+
+void TunnelManager::save() {
+    const auto json = encodeHosts(hosts_.get());
+    if (!json) {
+        return;  // silent: the list in memory and the file stay as they are
+    }
+    keepUnreadableHostsFile();
+    std::ignore = writeFileAtomically(storageURL_, *json);  // silent: the list in memory stays
+}
+
+/// The file that could not be read at start may be all that the user has: its bytes are kept under another name before
+/// anything is written over it.
+void TunnelManager::keepUnreadableHostsFile() {
+    if (!hostsFileUnreadable_) {
+        return;
+    }
+    hostsFileUnreadable_ = false;
+    auto kept = storageURL_;
+    kept += ".unreadable";
+    std::error_code error;
+    std::filesystem::copy_file(storageURL_, kept, std::filesystem::copy_options::overwrite_existing, error);
+    if (error) {
+        std::filesystem::rename(storageURL_, kept, error);  // we may not read it, but we may move it
+    }
+}
+
+void TunnelManager::deleteHost(const Uuid& id) {
+    if (const auto* host = findHost(id)) {
+        disconnect(SSHHost(*host));
+    }
+    hosts_.edit(
+        [&](std::vector<SSHHost>& hosts) { std::erase_if(hosts, [&](const SSHHost& host) { return host.id == id; }); });
+    engine_->removeStatus(id);
+    keychain_.remove(id);
+    save();
+}
+
+const SSHHost* TunnelManager::findHost(const Uuid& id) const {
+    const auto& hosts = hosts_.get();
+    const auto host = std::find_if(hosts.begin(), hosts.end(), [&](const SSHHost& each) { return each.id == id; });
+    return host != hosts.end() ? &*host : nullptr;
+}
+
+std::optional<std::string> TunnelManager::uptimeString(const Uuid& id) const {
+    const auto& times = engine_->connectedAt().get();
+    const auto since = times.find(id);
+    if (since == times.end()) {
+        return std::nullopt;
+    }
+    const auto elapsed = platform_.scheduler.now() - since->second;
+    return uptimeText(std::chrono::duration_cast<std::chrono::seconds>(elapsed));
+}
+
+std::string TunnelManager::sshCommand(const SSHHost& host) const {
+    return velmora::sshCommand(host, sshSettings());
+}
+
+SshSettings TunnelManager::sshSettings() const {
+    return {performanceMode_.get(), globalProxyJumpEnabled_.get(), globalProxyJump_.get()};
+}
+
+void TunnelManager::setPerformanceMode(bool on) {
+    performanceMode_.set(on);
+    platform_.defaults.setBoolean(keys::performanceMode, on);
+}
+
+void TunnelManager::setGlobalProxyJump(std::string jumpHost) {
+    globalProxyJump_.set(std::move(jumpHost));
+    platform_.defaults.setString(keys::globalProxyJump, globalProxyJump_.get());
+}
+
+void TunnelManager::setGlobalProxyJumpEnabled(bool on) {
+    globalProxyJumpEnabled_.set(on);
+    platform_.defaults.setBoolean(keys::globalProxyJumpEnabled, on);
+    reconnectActiveHosts();
+}
+
+void TunnelManager::setProxyExceptions(std::string exceptions) {
+    proxyExceptions_.set(std::move(exceptions));
+    platform_.defaults.setString(keys::proxyExceptions, proxyExceptions_.get());
+}
+
+/// Sessions that were not started from a shell may lack the agent's socket; the session's own launcher knows it.
+Environment TunnelManager::resolvedEnvironment() {
+    constexpr auto agentSocket = "SSH_AUTH_SOCK";
+    auto environment = platform_.environment;
+    if (const auto socket = environment.find(agentSocket); socket != environment.end() && !socket->second.empty()) {
+        return environment;
+    }
+    const auto answer = platform_.runner.run("/bin/launchctl", {"getenv", agentSocket});
+    if (!answer) {
+        return environment;
+    }
+    if (const auto socket = trimWhitespaceAndNewlines(answer->standardOutput); !socket.empty()) {
+        environment[agentSocket] = socket;
+    }
+    return environment;
+}
+
+}  // namespace velmora

@@ -1,0 +1,123 @@
+#include "tunnel/HostLog.h"
+
+#include "base/Text.h"
+#include "base/UniqueFd.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <optional>
+
+namespace velmora {
+
+namespace {
+
+constexpr mode_t logFileMode = 0600;
+constexpr std::size_t longestReason = 4096;
+
+/// Finds the first line worth showing in text that comes in blocks.
+class ReasonFinder final {
+public:
+    /// True once the reason is known.
+    bool take(std::string_view block) {
+        while (!block.empty()) {
+            const auto end = block.find('\n');
+            addToLine(block.substr(0, end));
+            if (end == std::string_view::npos) {
+                return false;
+            }
+            if (endLine()) {
+                return true;
+            }
+            block.remove_prefix(end + 1);
+        }
+        return false;
+    }
+
+    /// The text has ended, perhaps without a line feed.
+    bool endLine() {
+        const auto text = trimWhitespaceAndNewlines(line_);
+        if (isKept(text)) {
+            reason_ = std::string(text);
+        }
+        line_.clear();
+        return reason_.has_value();
+    }
+
+    [[nodiscard]] const std::optional<std::string>& reason() const { return reason_; }
+
+private:
+    static bool isKept(std::string_view line) {
+        return !line.empty() && !line.starts_with("[") && !line.starts_with("Warning:") && !line.starts_with("debug");
+    }
+
+    /// A line of any length takes bounded memory: white space at its start and text beyond the limit are not kept.
+    void addToLine(std::string_view piece) {
+        if (trimWhitespaceAndNewlines(line_).empty()) {
+            line_.clear();
+        }
+        if (line_.size() < longestReason) {
+            line_ += piece.substr(0, longestReason - line_.size());
+        }
+    }
+
+    std::string line_;
+    std::optional<std::string> reason_;
+};
+
+std::optional<std::string> firstKeptLine(const std::filesystem::path& path) {
+    const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!fd || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    ReasonFinder finder;
+    std::array<char, 65536> block{};
+    for (;;) {
+        const auto count = ::read(fd.get(), block.data(), block.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        if (finder.take({block.data(), static_cast<std::size_t>(count)})) {
+            return finder.reason();
+        }
+    }
+    finder.endLine();
+    return finder.reason();
+}
+
+}  // namespace
+
+std::filesystem::path hostLogPath(const std::filesystem::path& logDirectory, const std::string& hostName) {
+    // Joined as text: a name that begins with a slash must not replace the folder.
+    return {logDirectory.string() + "/" + hostName + ".log"};
+}
+
+void appendToLog(const std::filesystem::path& path, std::string_view bytes) {
+    // O_NONBLOCK: a FIFO in the place of the log must not stop the tunnel.
+    const UniqueFd fd(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, logFileMode));
+    while (fd && !bytes.empty()) {
+        const auto count = ::write(fd.get(), bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            return;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+std::string exitReason(const std::filesystem::path& path, int exitStatus) {
+    if (auto line = firstKeptLine(path)) {
+        return *std::move(line);
+    }
+    return "Exited (code " + std::to_string(exitStatus) + ")";
+}
+
+}  // namespace velmora
