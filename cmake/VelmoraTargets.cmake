@@ -9,6 +9,7 @@ target_compile_options(
   velmora_flags
   INTERFACE -Wall
             -Wextra
+            -Wno-missing-field-initializers
             -Wpedantic
             -Wshadow
             -Wconversion

@@ -67,9 +67,9 @@ Outcome readValue(const json::value& value, std::int64_t& out) {
         out = *integer;
         return {};
     }
-    constexpr double limit = 9223372036854775808.0;  // 2^63, the first number that does not fit
+    constexpr double limit = 9223372036854775808.0;  // 2^63: what was written as more may have been rounded to it
     const auto* number = value.if_double();
-    if (number == nullptr || std::trunc(*number) != *number || *number < -limit || *number >= limit) {
+    if (number == nullptr || std::trunc(*number) != *number || std::abs(*number) >= limit) {
         return wrongType("an integer of 64 bits");
     }
     out = static_cast<std::int64_t>(*number);

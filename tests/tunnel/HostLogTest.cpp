@@ -1,0 +1,90 @@
+#include "fakes/TemporaryDirectory.h"
+#include "tunnel/HostLog.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace velmora {
+namespace {
+
+TEST(HostLog, StandsUnderTheNameAsItIs) {
+    EXPECT_EQ(hostLogPath("/logs", "prod db"), "/logs/prod db.log");
+    EXPECT_EQ(hostLogPath("/logs", "a/b"), "/logs/a/b.log");
+    EXPECT_EQ(hostLogPath("/logs", "/etc/x").string(), "/logs//etc/x.log");
+    EXPECT_EQ(hostLogPath("/logs", ""), "/logs/.log");
+}
+
+TEST(HostLog, OnlyGrows) {
+    const TemporaryDirectory directory;
+    appendToLog(directory / "a.log", "one\n");
+    appendToLog(directory / "a.log", std::string("two\0\xFF\n", 6));
+    EXPECT_EQ(contentOf(directory / "a.log"), std::string("one\ntwo\0\xFF\n", 10));
+    EXPECT_EQ(modeOf(directory / "a.log"), 0600);
+}
+
+TEST(HostLog, WhatCannotBeWrittenIsIgnored) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(::mkfifo((directory / "fifo.log").c_str(), 0600), 0);
+    appendToLog(directory / "fifo.log", "nobody reads");
+    appendToLog(directory.path(), "a folder");
+    appendToLog(directory / "none" / "a.log", "no folder");
+    EXPECT_FALSE(std::filesystem::exists(directory / "none"));
+}
+
+struct ReasonCase {
+    std::string name;
+    std::string log;
+    std::string reason;
+};
+
+class ExitReason : public testing::TestWithParam<ReasonCase> {};
+
+TEST_P(ExitReason, IsTheFirstLineThatSshWroteForPeople) {
+    const TemporaryDirectory directory;
+    writeContent(directory / "a.log", GetParam().log);
+    EXPECT_EQ(exitReason(directory / "a.log", 255), GetParam().reason);
+}
+
+const std::string ours = "Exited (code 255)";
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ExitReason,
+    testing::Values(ReasonCase{"EmptyLog", "", ours},
+                    ReasonCase{"OnlyOurLinesAndDebug",
+                               "[2026-01-01 00:00:00 +0000] ssh x\ndebug1: y\ndebug3: z\n[exit 255]\n", ours},
+                    ReasonCase{"WarningsAreNoReason", "Warning: Permanently added 'x'\nboom\n", "boom"},
+                    ReasonCase{"TheLineOfAnEarlierRunStillCounts",
+                               "[a] ssh x\nold error\n[exit 255]\n[b] ssh x\nnew error\n[exit 255]\n", "old error"},
+                    ReasonCase{"LinesAreTrimmed", "\n \t \r\n\t Connection closed \r\n", "Connection closed"},
+                    ReasonCase{"TrimmingComesBeforeLooking", "  [not a reason]\n  Warning: x\n  debug\nreal\n", "real"},
+                    ReasonCase{"WithoutALineFeedAtTheEnd", "last words", "last words"},
+                    ReasonCase{"CaseCounts", "warning: x\n", "warning: x"},
+                    ReasonCase{"InvalidUtf8IsKept", "bad \xFF byte\n", "bad \xFF byte"},
+                    ReasonCase{"UnicodeSpacesAreTrimmed", "\xC2\xA0\n\xE3\x80\x80x\n", "x"}),
+    [](const auto& each) { return each.param.name; });
+
+TEST(HostLog, AReasonOnTheBorderOfTwoBlocksIsWhole) {
+    const TemporaryDirectory directory;
+    for (const std::size_t before : {65530U, 65535U, 65536U, 65537U}) {
+        std::filesystem::remove(directory / "a.log");
+        writeContent(directory / "a.log", "[" + std::string(before - 2, 'x') + "\nthe reason\nanother\n");
+        EXPECT_EQ(exitReason(directory / "a.log", 1), "the reason") << before;
+    }
+}
+
+TEST(HostLog, AReasonWithoutEndIsCut) {
+    const TemporaryDirectory directory;
+    writeContent(directory / "a.log", std::string(300000, ' ') + std::string(300000, 'x'));
+    EXPECT_EQ(exitReason(directory / "a.log", 1), std::string(4096, 'x'));
+}
+
+TEST(HostLog, WhatIsNoFileHasNoReason) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(::mkfifo((directory / "fifo.log").c_str(), 0600), 0);
+    EXPECT_EQ(exitReason(directory / "fifo.log", 7), "Exited (code 7)");
+    EXPECT_EQ(exitReason(directory.path(), 7), "Exited (code 7)");
+    EXPECT_EQ(exitReason(directory / "none.log", 7), "Exited (code 7)");
+}
+
+}  // namespace
+}  // namespace velmora
