@@ -95,9 +95,8 @@ Error describe(int code) {
 }  // namespace
 
 Result<SpawnedProcess, Error> spawn(const SpawnRequest& request) {
-    CStringList arguments;
-    CStringList environment;
-    if (!fillStringLists(request, arguments, environment)) {
+    const SpawnStrings strings(request);
+    if (!strings.arePassable()) {
         return describe(EINVAL);
     }
 
@@ -109,8 +108,8 @@ Result<SpawnedProcess, Error> spawn(const SpawnRequest& request) {
 
     ChildPlan plan;
     plan.program = request.program.c_str();
-    plan.arguments = arguments.data();
-    plan.environment = environment.data();
+    plan.arguments = strings.arguments();
+    plan.environment = strings.environment();
     plan.streams = {request.standardInput, request.standardOutput, request.standardError};
     plan.dieWithParent = request.whenParentDies == WhenParentDies::terminate;
     plan.parent = ::getpid();

@@ -77,16 +77,15 @@ UniqueFd watchExit(pid_t pid) {
 }  // namespace
 
 Result<SpawnedProcess, Error> spawn(const SpawnRequest& request) {
-    CStringList arguments;
-    CStringList environment;
-    if (!fillStringLists(request, arguments, environment)) {
+    const SpawnStrings strings(request);
+    if (!strings.arePassable()) {
         return describe(EINVAL);
     }
     const SpawnAttributes attributes;
     const SpawnFileActions actions({request.standardInput, request.standardOutput, request.standardError});
     pid_t pid = -1;
-    const int code = ::posix_spawn(&pid, request.program.c_str(), actions.get(), attributes.get(), arguments.data(),
-                                   environment.data());
+    const int code = ::posix_spawn(&pid, request.program.c_str(), actions.get(), attributes.get(), strings.arguments(),
+                                   strings.environment());
     if (code != 0) {
         return describe(code);
     }

@@ -6,15 +6,27 @@
 
 namespace velmora {
 
-bool fillStringLists(const SpawnRequest& request, CStringList& arguments, CStringList& environment) {
-    bool passable = arguments.add(request.program);
+SpawnStrings::SpawnStrings(const SpawnRequest& request) {
+    arguments_.reserve(request.arguments.size() + 2);
+    addArgument(request.program);
     for (const auto& argument : request.arguments) {
-        passable = arguments.add(argument) && passable;
+        addArgument(argument);
     }
+    arguments_.push_back(nullptr);
+
+    entries_.reserve(request.environment.size());
+    environment_.reserve(request.environment.size() + 1);
     for (const auto& [name, value] : request.environment) {
-        passable = environment.add(name + "=" + value) && passable;
+        auto& entry = entries_.emplace_back(name + "=" + value);
+        passable_ = passable_ && entry.find('\0') == std::string::npos;
+        environment_.push_back(entry.data());
     }
-    return passable;
+    environment_.push_back(nullptr);
+}
+
+void SpawnStrings::addArgument(const std::string& text) {
+    passable_ = passable_ && text.find('\0') == std::string::npos;
+    arguments_.push_back(const_cast<char*>(text.c_str()));  // the system's signature; nobody writes
 }
 
 int reap(pid_t pid) {

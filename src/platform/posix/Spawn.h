@@ -34,30 +34,27 @@ struct SpawnedProcess {
 /// blocked. Comes back once the program runs, or with the system's description of why it does not. Any thread.
 Result<SpawnedProcess, Error> spawn(const SpawnRequest& request);
 
-/// The strings as the system wants them; a string that holds a zero byte cannot be passed on.
-class CStringList final {
+/// Arguments and environment as the system wants them. The request's own strings are used: it must stay.
+class SpawnStrings final {
 public:
-    [[nodiscard]] bool add(const std::string& text) {
-        strings_.push_back(text);
-        return text.find('\0') == std::string::npos;
-    }
-    /// Valid until the next change.
-    [[nodiscard]] char* const* data() {
-        pointers_.clear();
-        for (auto& text : strings_) {
-            pointers_.push_back(text.data());
-        }
-        pointers_.push_back(nullptr);
-        return pointers_.data();
-    }
+    explicit SpawnStrings(const SpawnRequest& request);
+    SpawnStrings(const SpawnStrings&) = delete;
+    SpawnStrings& operator=(const SpawnStrings&) = delete;
+    ~SpawnStrings() = default;
+
+    /// False when a string holds a zero byte: it cannot be passed on.
+    [[nodiscard]] bool arePassable() const { return passable_; }
+    [[nodiscard]] char* const* arguments() const { return arguments_.data(); }
+    [[nodiscard]] char* const* environment() const { return environment_.data(); }
 
 private:
-    std::vector<std::string> strings_;
-    std::vector<char*> pointers_;
-};
+    void addArgument(const std::string& text);
 
-/// Program name and arguments, and the environment as "name=value". False when one cannot be passed on.
-[[nodiscard]] bool fillStringLists(const SpawnRequest& request, CStringList& arguments, CStringList& environment);
+    bool passable_ = true;
+    std::vector<std::string> entries_;
+    std::vector<char*> arguments_;
+    std::vector<char*> environment_;
+};
 
 /// The exit status of a process that has ended, or the number of the signal that ended it. Waits for the process.
 int reap(pid_t pid);
