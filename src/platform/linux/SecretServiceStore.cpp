@@ -64,7 +64,7 @@ Credential SecretServiceStore::copyMatching(const CredentialKey& key) {
     Credential found;
     found.status = run([&](Call& call) {
         const GObjectPtr<SecretItem> item =
-            secretservice::findItem(call.service, key, SECRET_SEARCH_LOAD_SECRETS, call.cancellable, call.error);
+            secretservice::findItem(call.service, key, SECRET_SEARCH_NONE, call.cancellable, call.error);
         if (call.error) {
             return CredentialStatus::notAvailable;
         }
@@ -75,6 +75,8 @@ Credential SecretServiceStore::copyMatching(const CredentialKey& key) {
             return lockedAnswer(key);
         }
         prompt_.keyringIsUnlocked();
+        // Not left to the search, which would keep quiet about a failure of this step.
+        secret_item_load_secret_sync(item.get(), call.cancellable, call.error.out());
         const SecretValuePtr value(secret_item_get_secret(item.get()));
         if (!value) {
             return CredentialStatus::notAvailable;
