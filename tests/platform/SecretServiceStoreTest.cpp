@@ -240,6 +240,23 @@ TEST_F(LockedKeyringTest, deletingFromALockedKeyringAsksNothing) {
     EXPECT_EQ(prompter.timesAsked(), 1U);
 }
 
+TEST_F(LockedKeyringTest, dismissedQuestionIsNotAskedAgainUntilTheKeyringWasSeenUnlocked) {
+    EXPECT_EQ(passwords.load(host), std::nullopt);
+    ASSERT_TRUE(prompter.waitUntilAsked(1));
+    prompter.dismiss();
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        EXPECT_EQ(passwords.load(host), std::nullopt);
+    }
+    EXPECT_EQ(prompter.timesAsked(), 1U);
+    EXPECT_TRUE(session.keyringIsAlive());
+
+    session.unlockKeyring();
+    EXPECT_EQ(passwords.load(host), "secret");
+    session.lockKeyring();
+    EXPECT_EQ(passwords.load(host), std::nullopt);
+    EXPECT_TRUE(prompter.waitUntilAsked(2));
+}
+
 class FreshHomeTest : public SecretServiceStoreTest {
 protected:
     FreshHomeTest() { session.startKeyring(PrivateSession::Keyring::locked); }
