@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+
+namespace velmora::test {
+
+/// Stands behind the stubbed functions of the frameworks: the items, and what the next calls answer.
+struct FakeKeychain {
+    std::map<std::pair<std::string, std::string>, std::string> items;  ///< (service, account) to data
+    std::map<std::string, std::string> lastQuery;                      ///< attribute to value, in the fake's own words
+    std::int32_t refusal = 0;                                          ///< answered to every call unless it is 0
+    bool answersWithText = false;                                      ///< a result that is no data object
+    std::size_t liveObjects = 0;                                       ///< created and not yet released
+};
+
+FakeKeychain& fakeKeychain();
+
+}  // namespace velmora::test
