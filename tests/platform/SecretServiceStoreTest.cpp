@@ -3,6 +3,7 @@
 #include "manager/KeychainStore.h"
 #include "platform/linux/SecretServiceCalls.h"
 #include "platform/linux/SecretServiceStore.h"
+#include "platform/linux/SignalContext.h"
 
 #include <gtest/gtest.h>
 #include <libsecret/secret.h>
@@ -38,17 +39,25 @@ void writeAsAnotherProgram(const CredentialKey& key, const std::string& secret) 
                               .reserved7 = nullptr};
     SecretValue* value =
         secret_value_new(secret.data(), static_cast<gssize>(secret.size()), "application/octet-stream");
+    const SignalContext signals;
+    const SignalContext::Scope scope(signals);
     GLibError error;
-    EXPECT_TRUE(secret_service_store_sync(nullptr, &schema,
-                                          secret_attributes_build(&schema, "service", key.service.c_str(), "account",
-                                                                  key.account.c_str(), "writer", "other", nullptr),
-                                          SECRET_COLLECTION_DEFAULT, "Other", value, nullptr, error.out()));
+    const GObjectPtr<SecretService> service = secretservice::open(nullptr, error);
+    const secretservice::Attributes attributes(secret_attributes_build(
+        &schema, "service", key.service.c_str(), "account", key.account.c_str(), "writer", "other", nullptr));
+    EXPECT_TRUE(secret_service_store_sync(service.get(), &schema, attributes.get(), SECRET_COLLECTION_DEFAULT, "Other",
+                                          value, nullptr, error.out()));
     secret_value_unref(value);
 }
 
 std::vector<std::string> labelsOf(const CredentialKey& key) {
+    const SignalContext signals;
+    const SignalContext::Scope scope(signals);
+    GLibError error;
+    const GObjectPtr<SecretService> service = secretservice::open(nullptr, error);
     const auto attributes = secretservice::attributesOf(key);
-    GList* found = secret_service_search_sync(nullptr, nullptr, attributes.get(), SECRET_SEARCH_ALL, nullptr, nullptr);
+    GList* found =
+        secret_service_search_sync(service.get(), nullptr, attributes.get(), SECRET_SEARCH_ALL, nullptr, nullptr);
     std::vector<std::string> labels;
     for (const GList* entry = found; entry != nullptr; entry = entry->next) {
         gchar* label = secret_item_get_label(SECRET_ITEM(entry->data));

@@ -2,7 +2,7 @@
 
 #include "platform/linux/CallDeadline.h"
 #include "platform/linux/SecretServiceCalls.h"
-#include "platform/linux/ThreadDefaultContext.h"
+#include "platform/linux/SignalContext.h"
 
 #include <string>
 #include <utility>
@@ -15,10 +15,6 @@ using namespace std::chrono_literals;
 
 constexpr auto usualPatience = 2s;
 constexpr auto patienceAfterSilence = 500ms;
-
-struct MainContextUnref {
-    void operator()(GMainContext* context) const { g_main_context_unref(context); }
-};
 
 struct SecretValueUnref {
     void operator()(SecretValue* value) const { secret_value_unref(value); }
@@ -44,16 +40,9 @@ struct SecretServiceStore::Call {
     GLibError error;
 };
 
-/// Signals of the keyring land in a context of our own, which is emptied before each call: the store depends on no
-/// event loop, and no event loop calls into it.
 struct SecretServiceStore::Connection {
-    std::unique_ptr<GMainContext, MainContextUnref> context{g_main_context_new()};
+    SignalContext signals;
     GObjectPtr<SecretService> service;
-
-    void dropOldSignals() const {
-        while (g_main_context_iteration(context.get(), FALSE) != FALSE) {
-        }
-    }
 };
 
 SecretServiceStore::SecretServiceStore() : patience_(usualPatience) {}
@@ -153,8 +142,8 @@ CredentialStatus SecretServiceStore::run(const Operation& operation) {
     if (!connection_) {
         connection_ = std::make_unique<Connection>();
     }
-    const ThreadDefaultContext scope(connection_->context.get());
-    connection_->dropOldSignals();
+    const SignalContext::Scope scope(connection_->signals);
+    connection_->signals.dispatchPending();
 
     const CallDeadline deadline(patience_);
     const bool reused = connection_->service != nullptr;

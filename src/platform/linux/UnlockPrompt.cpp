@@ -1,7 +1,7 @@
 #include "platform/linux/UnlockPrompt.h"
 
 #include "platform/linux/SecretServiceCalls.h"
-#include "platform/linux/ThreadDefaultContext.h"
+#include "platform/linux/SignalContext.h"
 
 #include <system_error>
 #include <thread>
@@ -50,14 +50,9 @@ Answer unlock(const CredentialKey& key) {
 }
 
 Answer unlockOnThisThread(const CredentialKey& key) {
-    GMainContext* context = g_main_context_new();
-    Answer answer = Answer::failed;
-    {
-        const ThreadDefaultContext scope(context);
-        answer = unlock(key);
-    }
-    g_main_context_unref(context);
-    return answer;
+    const SignalContext signals;
+    const SignalContext::Scope scope(signals);
+    return unlock(key);
 }
 
 }  // namespace
