@@ -7,7 +7,7 @@
 
 namespace {
 
-using velmora::test::fakeKeychain;
+using velmora::fakeKeychain;
 
 enum Kind : CFTypeID { text = 1, data, dictionary, boolean };
 
@@ -54,14 +54,14 @@ std::string bytesOf(const UInt8* bytes, CFIndex length) {
 
 }  // namespace
 
-namespace velmora::test {
+namespace velmora {
 
 FakeKeychain& fakeKeychain() {
     static FakeKeychain keychain;
     return keychain;
 }
 
-}  // namespace velmora::test
+}  // namespace velmora
 
 extern "C" {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-namespace velmora::test {
+namespace velmora {
 
 /// Stands behind the stubbed functions of the frameworks: the items, and what the next calls answer.
 struct FakeKeychain {
@@ -19,4 +19,4 @@ struct FakeKeychain {
 
 FakeKeychain& fakeKeychain();
 
-}  // namespace velmora::test
+}  // namespace velmora

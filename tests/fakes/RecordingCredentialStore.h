@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace velmora::test {
+namespace velmora {
 
 /// A keychain in memory that writes down what it was asked, and answers a call with a scripted status where one is set.
 class RecordingCredentialStore final : public CredentialStore {
@@ -76,4 +76,4 @@ private:
     }
 };
 
-}  // namespace velmora::test
+}  // namespace velmora

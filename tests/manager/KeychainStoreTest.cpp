@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace velmora::test {
+namespace velmora {
 namespace {
 
 constexpr auto anyOtherStatus = static_cast<CredentialStatus>(-34018);
@@ -121,4 +121,4 @@ TEST_F(KeychainStoreTest, removeTakesEveryFailureSilently) {
 }
 
 }  // namespace
-}  // namespace velmora::test
+}  // namespace velmora

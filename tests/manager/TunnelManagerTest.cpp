@@ -16,7 +16,6 @@ namespace velmora {
 namespace {
 
 using namespace std::chrono_literals;
-using test::RecordingCredentialStore;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace velmora::test {
+namespace velmora {
 namespace {
 
 class KeychainCredentialStoreTest : public testing::Test {
@@ -100,4 +100,4 @@ TEST_F(KeychainCredentialStoreTest, passwordsOfHostsGoThroughIt) {
 }
 
 }  // namespace
-}  // namespace velmora::test
+}  // namespace velmora

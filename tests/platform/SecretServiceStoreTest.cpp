@@ -11,7 +11,7 @@
 #include <chrono>
 #include <vector>
 
-namespace velmora::test {
+namespace velmora {
 namespace {
 
 using namespace std::chrono_literals;
@@ -314,4 +314,4 @@ TEST(SecretServiceStoreWithoutABusTest, everyCallFailsAtOnce) {
 }
 
 }  // namespace
-}  // namespace velmora::test
+}  // namespace velmora
