@@ -1,0 +1,13 @@
+#import <AppKit/AppKit.h>
+
+#include "platform/macos/DockPolicy.h"
+
+namespace velmora {
+
+void DockPolicy::setRegular() { [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular]; }
+
+void DockPolicy::setAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
+
+void DockPolicy::activate() { [NSApp activateIgnoringOtherApps:YES]; }
+
+}  // namespace velmora
