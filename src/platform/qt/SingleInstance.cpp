@@ -1,0 +1,95 @@
+#include "platform/qt/SingleInstance.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+constexpr mode_t privateFile = S_IRUSR | S_IWUSR;
+
+void makePrivateDirectories(const std::filesystem::path& directory) {
+    const mode_t previous = ::umask(S_IRWXG | S_IRWXO);
+    std::error_code ignored;
+    std::filesystem::create_directories(directory, ignored);
+    ::umask(previous);
+}
+
+}  // namespace
+
+SingleInstance::SingleInstance(const std::filesystem::path& directory) : pipePath_(directory / "instance.pipe") {
+    makePrivateDirectories(directory);
+    if (lock(directory / "instance.lock")) {
+        listen();
+    } else {
+        role_ = Role::later;
+        knock();
+    }
+}
+
+SingleInstance::~SingleInstance() = default;
+
+/// False only when another program holds the lock.
+bool SingleInstance::lock(const std::filesystem::path& file) {
+    lock_.reset(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, privateFile));
+    return !lock_ || ::flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+void SingleInstance::listen() {
+    struct stat status {};
+    if (::lstat(pipePath_.c_str(), &status) == 0 && !S_ISFIFO(status.st_mode)) {
+        ::unlink(pipePath_.c_str());
+    }
+    ::mkfifo(pipePath_.c_str(), privateFile);
+    // Open for writing too: otherwise the pipe reads as ended whenever nobody is knocking.
+    pipe_.reset(::open(pipePath_.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW));
+}
+
+/// The other one may be about to make the pipe.
+void SingleInstance::knock() const {
+    constexpr int attempts = 100;
+    constexpr auto pause = std::chrono::milliseconds(20);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const UniqueFd pipe(::open(pipePath_.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW));
+        if (pipe) {
+            constexpr char anything = '\n';
+            // A full pipe says the same as one byte more.
+            [[maybe_unused]] const auto written = ::write(pipe.get(), &anything, 1);
+            return;
+        }
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+void SingleInstance::onKnock(std::function<void()> knocked) {
+    if (!pipe_) {
+        return;
+    }
+    notifier_ = std::make_unique<QSocketNotifier>(pipe_.get(), QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                     [this, knocked = std::move(knocked)] {
+                         if (drain()) {
+                             knocked();
+                         }
+                     });
+}
+
+bool SingleInstance::drain() const {
+    std::array<char, 512> knocks{};
+    bool any = false;
+    while (::read(pipe_.get(), knocks.data(), knocks.size()) > 0) {
+        any = true;
+    }
+    return any;
+}
+
+}  // namespace velmora
