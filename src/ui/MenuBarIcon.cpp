@@ -1,0 +1,92 @@
+#include "ui/MenuBarIcon.h"
+
+#include "ui/TrayIconEngine.h"
+
+#include <QMenu>
+#include <QStringList>
+
+#include <array>
+#include <cstddef>
+#include <utility>
+
+// The drawings stand in a static library: without this the linker leaves them out.
+static void keepDrawings() {
+    Q_INIT_RESOURCE(icons);
+}
+
+namespace velmora {
+
+namespace {
+
+/// As far from white as from black, since nobody tells what colour a panel has; the system tints its own menu bar.
+QColor tint(TrayKind kind) {
+    return kind == TrayKind::menuBar ? QColor(Qt::black) : QColor(0x80, 0x84, 0x8a);
+}
+
+using Counts = std::array<int, 4>;
+
+Counts countStates(TunnelManager& manager) {
+    Counts counts{};
+    for (const SSHHost& host : manager.hosts().get()) {
+        ++counts[static_cast<std::size_t>(manager.status(host.id).state)];
+    }
+    return counts;
+}
+
+int count(const Counts& counts, ConnectionStatus::State state) {
+    return counts[static_cast<std::size_t>(state)];
+}
+
+/// The icon's state in words.
+QString summary(const Counts& counts) {
+    using State = ConnectionStatus::State;
+    QStringList parts;
+    const auto add = [&](State state, const QString& words) {
+        if (const int hosts = count(counts, state); hosts > 0) {
+            parts << QString::number(hosts) + QLatin1Char(' ') + words;
+        }
+    };
+    add(State::connected, QStringLiteral("connected"));
+    add(State::connecting, QStringLiteral("connecting"));
+    add(State::error, QStringLiteral("failed"));
+    return QStringLiteral("Velmora: ") +
+           (parts.isEmpty() ? QStringLiteral("not connected") : parts.join(QStringLiteral(", ")));
+}
+
+}  // namespace
+
+MenuBarIcon::MenuBarIcon(TunnelManager& manager, TrayKind kind, QMenu& menu, std::function<void()> activated)
+    : manager_(manager), kind_(kind) {
+    refresh();
+    tray_.setContextMenu(&menu);
+    QObject::connect(&tray_, &QSystemTrayIcon::activated, &tray_,
+                     [activated = std::move(activated)](QSystemTrayIcon::ActivationReason reason) {
+                         if (reason == QSystemTrayIcon::Trigger) {
+                             activated();
+                         }
+                     });
+    tray_.show();
+}
+
+void MenuBarIcon::refresh() {
+    const Counts counts = countStates(manager_);
+    const bool anyActive =
+        count(counts, ConnectionStatus::State::connecting) > 0 || count(counts, ConnectionStatus::State::connected) > 0;
+    const QString symbol = anyActive ? QStringLiteral("network") : QStringLiteral("network-slash");
+    if (symbol != symbol_) {
+        symbol_ = symbol;
+        tray_.setIcon(icon(symbol, kind_));
+    }
+    if (const QString words = summary(counts); words != tray_.toolTip()) {
+        tray_.setToolTip(words);
+    }
+}
+
+QIcon MenuBarIcon::icon(const QString& symbol, TrayKind kind) {
+    keepDrawings();
+    QIcon drawing(new TrayIconEngine(QStringLiteral(":/icons/%1.svg").arg(symbol), tint(kind)));
+    drawing.setIsMask(kind == TrayKind::menuBar);
+    return drawing;
+}
+
+}  // namespace velmora

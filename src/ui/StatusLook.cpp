@@ -1,0 +1,88 @@
+#include "ui/StatusLook.h"
+
+#include "ui/MenuLabel.h"
+
+#include <QPainter>
+#include <QPixmap>
+
+#include <cstddef>
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+using State = ConnectionStatus::State;
+
+constexpr QRgb green = 0xff34a853;
+constexpr QRgb amber = 0xfff2b01e;
+constexpr QRgb grey = 0xff8c8c8c;  // white level 0.55
+constexpr QRgb red = 0xffe5484d;
+constexpr QRgb white = 0xffffffff;
+
+QRgb menuColor(State state) {
+    return state == State::disconnected ? white : statusColor(state).rgb();
+}
+
+QPixmap dot(State state, int scale) {
+    constexpr int side = 16;
+    constexpr qreal radius = 4;
+    QPixmap pixmap(side * scale, side * scale);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.scale(scale, scale);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(QColor(menuColor(state)));
+    painter.setPen(state == State::disconnected ? QPen(QColor(grey), 1) : QPen(Qt::NoPen));
+    painter.drawEllipse(QPointF(side / 2.0, side / 2.0), radius, radius);
+    painter.end();
+    pixmap.setDevicePixelRatio(scale);
+    return pixmap;
+}
+
+}  // namespace
+
+QString statusText(const ConnectionStatus& status, const std::optional<std::string>& uptime) {
+    if (uptime) {
+        return QStringLiteral("Connected · ") + QString::fromStdString(*uptime);
+    }
+    switch (status.state) {
+        case State::disconnected:
+            return QStringLiteral("Not Connected");
+        case State::connecting:
+            return QStringLiteral("Connecting...");
+        case State::connected:
+            return QStringLiteral("Connected");
+        case State::error:
+            break;
+    }
+    return QStringLiteral("Error: ") + oneLine(status.message);
+}
+
+QColor statusColor(State state) {
+    switch (state) {
+        case State::connected:
+            return QColor(green);
+        case State::connecting:
+            return QColor(amber);
+        case State::error:
+            return QColor(red);
+        case State::disconnected:
+            break;
+    }
+    return QColor(grey);
+}
+
+StatusDots::StatusDots() {
+    for (const State state : {State::disconnected, State::connecting, State::connected, State::error}) {
+        QIcon& icon = icons_[static_cast<std::size_t>(state)];
+        icon.addPixmap(dot(state, 1));
+        icon.addPixmap(dot(state, 2));
+    }
+}
+
+const QIcon& StatusDots::icon(State state) const {
+    return icons_[static_cast<std::size_t>(state)];
+}
+
+}  // namespace velmora
