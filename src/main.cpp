@@ -1,0 +1,5 @@
+#include "app/RunVelmora.h"
+
+int main(int argc, char** argv) {
+    return velmora::runVelmora(argc, argv, {});
+}

@@ -1,0 +1,37 @@
+#include "platform/SystemServices.h"
+
+#include "platform/linux/LinuxTrayWatcher.h"
+#include "platform/linux/SecretServiceStore.h"
+#include "platform/qt/QtDefaultsStore.h"
+
+namespace velmora {
+
+namespace {
+
+/// A desktop lists programs by their windows; there is nothing to switch.
+class WindowsDecide final : public ActivationPolicy {
+public:
+    void setRegular() override {}
+    void setAccessory() override {}
+    void activate() override {}
+};
+
+}  // namespace
+
+std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& paths) {
+    return QtDefaultsStore::iniFile(paths.configuration / "com.velmora.app.conf");
+}
+
+std::unique_ptr<CredentialStore> makeCredentialStore() {
+    return std::make_unique<SecretServiceStore>();
+}
+
+std::unique_ptr<TrayWatcher> makeTrayWatcher() {
+    return std::make_unique<LinuxTrayWatcher>();
+}
+
+std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
+    return std::make_unique<WindowsDecide>();
+}
+
+}  // namespace velmora

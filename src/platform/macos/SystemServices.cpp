@@ -1,0 +1,49 @@
+#include "platform/SystemServices.h"
+
+#include "platform/macos/DockPolicy.h"
+#include "platform/macos/KeychainCredentialStore.h"
+#include "platform/qt/QtDefaultsStore.h"
+
+#include <QObject>
+#include <QSettings>
+#include <QTimer>
+
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+/// The menu bar is always there.
+class MenuBarTray final : public TrayWatcher {
+public:
+    void start(std::function<void(TrayKind)> found, std::function<void()> /*missing*/) override {
+        QTimer::singleShot(0, &queue_, [found = std::move(found)] { found(TrayKind::menuBar); });
+    }
+
+private:
+    QObject queue_;
+};
+
+}  // namespace
+
+std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& /*paths*/) {
+    auto settings = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                                QStringLiteral("velmora.com"), QStringLiteral("app"));
+    settings->setFallbacksEnabled(false);
+    return std::make_unique<QtDefaultsStore>(std::move(settings));
+}
+
+std::unique_ptr<CredentialStore> makeCredentialStore() {
+    return std::make_unique<KeychainCredentialStore>();
+}
+
+std::unique_ptr<TrayWatcher> makeTrayWatcher() {
+    return std::make_unique<MenuBarTray>();
+}
+
+std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
+    return std::make_unique<DockPolicy>();
+}
+
+}  // namespace velmora
