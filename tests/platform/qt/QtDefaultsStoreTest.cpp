@@ -1,0 +1,111 @@
+#include "platform/qt/QtDefaultsStore.h"
+
+#include "fakes/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+namespace {
+
+class QtDefaultsStoreTest : public ::testing::Test {
+protected:
+    [[nodiscard]] std::unique_ptr<QtDefaultsStore> open() const { return QtDefaultsStore::iniFile(file); }
+
+    const TemporaryDirectory directory;
+    const std::filesystem::path file = directory / "config/com.velmora.app.conf";
+};
+
+TEST_F(QtDefaultsStoreTest, ReadsWhatIsAbsentAsFalseAndEmptyAndCreatesNothing) {
+    const auto store = open();
+    EXPECT_FALSE(store->boolean("performanceMode"));
+    EXPECT_EQ(store->string("globalProxyJump"), "");
+    EXPECT_FALSE(store->contains("performanceMode"));
+    EXPECT_FALSE(std::filesystem::exists(file.parent_path()));
+}
+
+TEST_F(QtDefaultsStoreTest, WhatIsSetIsOnDiskAtOnce) {
+    const auto store = open();
+    store->setBoolean("performanceMode", true);
+    store->setString("globalProxyJump", "jump.example");
+    EXPECT_EQ(contentOf(file), "[General]\nglobalProxyJump=jump.example\nperformanceMode=true\n");
+
+    const auto other = open();
+    EXPECT_TRUE(other->boolean("performanceMode"));
+    EXPECT_EQ(other->string("globalProxyJump"), "jump.example");
+
+    store->setBoolean("performanceMode", false);
+    EXPECT_FALSE(open()->boolean("performanceMode"));
+    EXPECT_TRUE(open()->contains("performanceMode"));
+}
+
+TEST_F(QtDefaultsStoreTest, KeepsEveryText) {
+    const std::vector<std::string> texts{
+        "",          " leading and trailing ", "line\nline\r\nline\n", "a, b, c", "\"quoted\" 'too'",
+        "100%",      "%20 %n %s",              "@starts",              "@Invalid()", "@ByteArray(x)",
+        "a=b;c#d",   "back\\slash\\n",         "tab\there",            "ünïcødé 東京 🚇", "[General]",
+        "\x7f\x01",  "true",                   "0",                    ";comment",  "\u2028 \u00a0"};
+    for (const std::string& text : texts) {
+        open()->setString("proxyExceptions", text);
+        const auto store = open();
+        EXPECT_EQ(store->string("proxyExceptions"), text);
+        EXPECT_TRUE(store->contains("proxyExceptions"));
+    }
+}
+
+TEST_F(QtDefaultsStoreTest, KeepsAVeryLongText) {
+    const std::string text(1 << 20, 'x');
+    open()->setString("proxyExceptions", text);
+    EXPECT_EQ(open()->string("proxyExceptions"), text);
+}
+
+TEST_F(QtDefaultsStoreTest, Forgets) {
+    const auto store = open();
+    store->setString("syncFolderPath", "/x");
+    store->remove("syncFolderPath");
+    store->remove("neverThere");
+    EXPECT_FALSE(store->contains("syncFolderPath"));
+    EXPECT_FALSE(open()->contains("syncFolderPath"));
+}
+
+TEST_F(QtDefaultsStoreTest, FileAndFolderAreTheUsersAlone) {
+    const mode_t previous = ::umask(0);
+    open()->setBoolean("performanceMode", true);
+    EXPECT_EQ(::umask(previous), 0U);
+    EXPECT_EQ(modeOf(file), 0600);
+    EXPECT_EQ(modeOf(file.parent_path()), 0700);
+    open()->setBoolean("performanceMode", false);
+    EXPECT_EQ(modeOf(file), 0600);
+}
+
+TEST_F(QtDefaultsStoreTest, ReadsAListThatWasWrittenByHand) {
+    std::filesystem::create_directories(file.parent_path());
+    writeContent(file, "[General]\nglobalProxyJump=a.example, b.example\nperformanceMode=1\n");
+    EXPECT_EQ(open()->string("globalProxyJump"), "a.example, b.example");
+    EXPECT_TRUE(open()->boolean("performanceMode"));
+}
+
+TEST_F(QtDefaultsStoreTest, ReadsAFileThatIsNoneAsEmpty) {
+    std::filesystem::create_directories(file);
+    EXPECT_FALSE(open()->contains("performanceMode"));
+    open()->setBoolean("performanceMode", true);
+}
+
+TEST_F(QtDefaultsStoreTest, LeavesWhatOthersWroteMeanwhile) {
+    const auto store = open();
+    store->setString("globalProxyJump", "one");
+    open()->setString("syncFolderPath", "/two");
+    store->setBoolean("performanceMode", true);
+    EXPECT_EQ(open()->string("syncFolderPath"), "/two");
+    EXPECT_EQ(open()->string("globalProxyJump"), "one");
+}
+
+}  // namespace
+
+}  // namespace velmora
