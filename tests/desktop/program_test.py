@@ -1,0 +1,153 @@
+"""One instance, and every way to end it."""
+
+import os
+import signal
+import stat
+
+from desktop import Item, Watcher, host, run_tests, ssh_children, stays, wait_until
+
+
+def started(desktop, hosts):
+    desktop.write_hosts(hosts)
+    watcher = Watcher(desktop)
+    program = desktop.start_program()
+    return program, Item(desktop, watcher.wait_for_item()), watcher
+
+
+def a_second_launch_opens_the_window_of_the_first_and_ends(desktop):
+    program, _, watcher = started(desktop, [])
+    assert not desktop.windows()
+    for _ in range(2):
+        second = desktop.start_program()
+        assert second.wait(5) == 0
+        window = wait_until(desktop.windows, "the window opens")
+        assert len(window) == 1
+    assert program.poll() is None
+    assert len(watcher.items) == 1
+
+
+def a_second_launch_needs_no_display(desktop):
+    started(desktop, [])
+    display = desktop.environment.pop("DISPLAY")
+    second = desktop.start_program()
+    desktop.environment["DISPLAY"] = display
+    assert second.wait(5) == 0
+    wait_until(desktop.windows, "the window opens")
+
+
+def of_many_launches_at_once_one_runs(desktop):
+    watcher = Watcher(desktop)
+    programs = [desktop.start_program() for _ in range(6)]
+    wait_until(lambda: [program.poll() for program in programs].count(0) == 5, "five end")
+    watcher.wait_for_item()
+    wait_until(desktop.windows, "the window opens")
+    assert [program.poll() for program in programs].count(None) == 1
+    assert len(watcher.items) == 1
+
+
+def another_home_is_another_instance(desktop):
+    started(desktop, [])
+    home = desktop.environment["HOME"]
+    desktop.environment["HOME"] = os.path.join(home, "other")
+    other = desktop.start_program()
+    desktop.environment["HOME"] = home
+    stays(lambda: other.poll() is None, "it runs")
+
+
+def a_crash_leaves_nothing_in_the_way(desktop):
+    program, _, watcher = started(desktop, [])
+    program.kill()
+    program.wait()
+    again = desktop.start_program()
+    wait_until(lambda: len(watcher.items) == 2, "the next one starts")
+    assert again.poll() is None
+
+
+def a_home_with_a_very_long_path(desktop):
+    desktop.environment["HOME"] = os.path.join(desktop.home, "long" * 50)
+    watcher = Watcher(desktop)
+    first = desktop.start_program()
+    watcher.wait_for_item()
+    assert desktop.start_program().wait(5) == 0
+    wait_until(desktop.windows, "the window opens")
+    assert first.poll() is None
+
+
+def what_the_program_makes_is_private(desktop):
+    started(desktop, [])
+    os.umask(0)
+    directory = os.path.join(desktop.home, ".local/share/Velmora")
+    for name in os.listdir(directory):
+        if name != "hosts.json":
+            mode = stat.S_IMODE(os.stat(os.path.join(directory, name)).st_mode)
+            assert mode == 0o600, f"{name} has mode {mode:o}"
+
+
+def ends_at_once(desktop, number):
+    program, item, _ = started(desktop, [host("web"), host("db")])
+    item.click("Connect All")
+    wait_until(lambda: len(ssh_children(program)) == 2, "both run")
+    pids = desktop.run("pgrep", "-P", str(program.pid), "ssh").split()
+    program.send_signal(number)
+    assert program.wait(1) == 0
+    wait_until(lambda: not any(runs(pid) for pid in pids), "every ssh has ended", timeout=2)
+
+
+def runs(pid):
+    try:
+        with open(f"/proc/{pid}/stat", encoding="utf-8") as file:
+            return file.read().rsplit(")", 1)[1].split()[0] != "Z"
+    except OSError:
+        return False
+
+
+def sigterm_ends_it_in_order(desktop):
+    ends_at_once(desktop, signal.SIGTERM)
+
+
+def sigint_ends_it_in_order(desktop):
+    ends_at_once(desktop, signal.SIGINT)
+
+
+def sighup_ends_it_in_order(desktop):
+    ends_at_once(desktop, signal.SIGHUP)
+
+
+def closing_the_window_does_not_end_it(desktop):
+    program, item, _ = started(desktop, [])
+    item.click("Open Main Window")
+    window = wait_until(desktop.windows, "the window opens")
+    manager = desktop.start("openbox", stderr=-3)
+    wait_until(lambda: "openbox" in desktop.run("sh", "-c", "xprop -root _NET_SUPPORTING_WM_CHECK | "
+               "sed 's/.*# //' | xargs -I{} xprop -id {} _NET_WM_NAME 2>/dev/null || true").lower(), "openbox runs")
+    assert manager.poll() is None
+    desktop.run("xdotool", "windowactivate", "--sync", window[0], "key", "alt+F4")
+    wait_until(lambda: not desktop.windows(), "the window closes")
+    stays(lambda: program.poll() is None, "the program runs on")
+    item.click("Open Main Window")
+    wait_until(desktop.windows, "the window opens again")
+
+
+def ctrl_q_in_the_window_ends_it(desktop):
+    program, item, _ = started(desktop, [])
+    item.click("Open Main Window")
+    window = wait_until(desktop.windows, "the window opens")
+    desktop.run("xdotool", "windowfocus", "--sync", window[0], "key", "ctrl+q")
+    assert program.wait(5) == 0
+
+
+if __name__ == "__main__":
+    run_tests(
+        a_second_launch_opens_the_window_of_the_first_and_ends,
+        a_second_launch_needs_no_display,
+        of_many_launches_at_once_one_runs,
+        another_home_is_another_instance,
+        a_crash_leaves_nothing_in_the_way,
+        a_home_with_a_very_long_path,
+        what_the_program_makes_is_private,
+        sigterm_ends_it_in_order,
+        sigint_ends_it_in_order,
+        sighup_ends_it_in_order,
+        closing_the_window_does_not_end_it,
+        ctrl_q_in_the_window_ends_it,
+    )
