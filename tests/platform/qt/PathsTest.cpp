@@ -1,9 +1,7 @@
+#include "fakes/TemporaryDirectory.h"
 #include "platform/Paths.h"
 
-#include "fakes/TemporaryDirectory.h"
-
 #include <gtest/gtest.h>
-
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -40,7 +38,7 @@ protected:
     static void set(const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); }
 
 private:
-    static constexpr std::array names{"HOME",   "XDG_DATA_HOME",   "XDG_STATE_HOME", "XDG_CONFIG_HOME",
+    static constexpr std::array names{"HOME",   "XDG_DATA_HOME",  "XDG_STATE_HOME", "XDG_CONFIG_HOME",
                                       "TMPDIR", "XDG_RUNTIME_DIR"};
     std::map<std::string, std::optional<std::string>> before_;
 };

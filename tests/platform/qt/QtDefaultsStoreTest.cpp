@@ -1,9 +1,7 @@
+#include "fakes/TemporaryDirectory.h"
 #include "platform/qt/QtDefaultsStore.h"
 
-#include "fakes/TemporaryDirectory.h"
-
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include <memory>
@@ -46,11 +44,26 @@ TEST_F(QtDefaultsStoreTest, WhatIsSetIsOnDiskAtOnce) {
 }
 
 TEST_F(QtDefaultsStoreTest, KeepsEveryText) {
-    const std::vector<std::string> texts{
-        "",          " leading and trailing ", "line\nline\r\nline\n", "a, b, c", "\"quoted\" 'too'",
-        "100%",      "%20 %n %s",              "@starts",              "@Invalid()", "@ByteArray(x)",
-        "a=b;c#d",   "back\\slash\\n",         "tab\there",            "ünïcødé 東京 🚇", "[General]",
-        "\x7f\x01",  "true",                   "0",                    ";comment",  "\u2028 \u00a0"};
+    const std::vector<std::string> texts{"",
+                                         " leading and trailing ",
+                                         "line\nline\r\nline\n",
+                                         "a, b, c",
+                                         "\"quoted\" 'too'",
+                                         "100%",
+                                         "%20 %n %s",
+                                         "@starts",
+                                         "@Invalid()",
+                                         "@ByteArray(x)",
+                                         "a=b;c#d",
+                                         "back\\slash\\n",
+                                         "tab\there",
+                                         "ünïcødé 東京 🚇",
+                                         "[General]",
+                                         "\x7f\x01",
+                                         "true",
+                                         "0",
+                                         ";comment",
+                                         "\u2028 \u00a0"};
     for (const std::string& text : texts) {
         open()->setString("proxyExceptions", text);
         const auto store = open();

@@ -1,6 +1,5 @@
-#include "platform/qt/QtScheduler.h"
-
 #include "EventLoop.h"
+#include "platform/qt/QtScheduler.h"
 
 #include <gtest/gtest.h>
 

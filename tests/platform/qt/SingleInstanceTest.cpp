@@ -1,10 +1,8 @@
-#include "platform/qt/SingleInstance.h"
-
 #include "EventLoop.h"
 #include "fakes/TemporaryDirectory.h"
+#include "platform/qt/SingleInstance.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 namespace velmora {

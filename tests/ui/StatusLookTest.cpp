@@ -1,0 +1,57 @@
+#include "ui/StatusLook.h"
+
+#include <QImage>
+#include <QPixmap>
+
+#include <gtest/gtest.h>
+
+namespace velmora {
+namespace {
+
+using State = ConnectionStatus::State;
+
+QColor middleOf(const QIcon& icon) {
+    return icon.pixmap(16).toImage().pixelColor(8, 8);
+}
+
+TEST(StatusLook, SaysTheStatusInWords) {
+    EXPECT_EQ(statusText(ConnectionStatus::disconnected()).toStdString(), "Not Connected");
+    EXPECT_EQ(statusText(ConnectionStatus::connecting()).toStdString(), "Connecting...");
+    EXPECT_EQ(statusText(ConnectionStatus::connected()).toStdString(), "Connected");
+    EXPECT_EQ(statusText(ConnectionStatus::connected(), "2h 14m").toStdString(), "Connected · 2h 14m");
+    EXPECT_EQ(statusText(ConnectionStatus::error("no\nroute")).toStdString(), "Error: no route");
+    EXPECT_EQ(statusText(ConnectionStatus::error("x"), "3m").toStdString(), "Connected · 3m");
+}
+
+TEST(StatusLook, DotsOfTheMenu) {
+    const StatusDots dots;
+    const QColor green = middleOf(dots.icon(State::connected));
+    EXPECT_GT(green.green(), green.red());
+    EXPECT_GT(green.green(), green.blue());
+    const QColor yellow = middleOf(dots.icon(State::connecting));
+    EXPECT_GT(yellow.red(), 200);
+    EXPECT_GT(yellow.green(), 150);
+    EXPECT_LT(yellow.blue(), 80);
+    const QColor red = middleOf(dots.icon(State::error));
+    EXPECT_GT(red.red(), 200);
+    EXPECT_LT(red.green(), 100);
+    EXPECT_EQ(middleOf(dots.icon(State::disconnected)), QColor(Qt::white));
+}
+
+TEST(StatusLook, AWhiteDotCanBeSeenOnWhite) {
+    const StatusDots dots;
+    const QImage image = dots.icon(State::disconnected).pixmap(16).toImage();
+    EXPECT_LT(image.pixelColor(4, 8).lightness(), 200);
+    EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
+}
+
+TEST(StatusLook, DotsAreSharpAtTwiceTheSize) {
+    const StatusDots dots;
+    for (const State state : {State::disconnected, State::connecting, State::connected, State::error}) {
+        EXPECT_TRUE(dots.icon(state).availableSizes().contains(QSize(16, 16)));
+        EXPECT_EQ(dots.icon(state).pixmap(QSize(16, 16), 2.0).size(), QSize(32, 32));
+    }
+}
+
+}  // namespace
+}  // namespace velmora
