@@ -283,7 +283,7 @@ class Item:
                 for width, _height, data in self.property("IconPixmap")}
 
     def slashed(self):
-        return self.pixmaps()[24](5, 5) > 128
+        return self.pixmaps()[24](4, 4) > 128
 
     def layout(self):
         path = self.property("Menu")
