@@ -50,7 +50,7 @@ public:
     VirtualScheduler scheduler;
     FakeProcessLauncher launcher;
     FakeProcessRunner runner;
-    test::RecordingCredentialStore credentials;
+    RecordingCredentialStore credentials;
     InMemoryDefaultsStore defaults;
     TunnelManager manager{Platform{.paths = {.home = home.path(),
                                              .applicationSupport = home / "share",

@@ -89,7 +89,7 @@ TEST(MenuBarIconDrawing, IsDrawnAtEverySizeAPanelAsksFor) {
                 EXPECT_GE(strongest(image).alpha(), 240) << side;
                 EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
                 const int corner = static_cast<int>(std::floor(side * scale * 4 / 24));
-                EXPECT_EQ(image.pixelColor(corner, corner).alpha(), 0);
+                EXPECT_LT(image.pixelColor(corner, corner).alpha(), 30) << side;
                 const QImage other = slashed.pixmap(QSize(side, side), scale).toImage();
                 EXPECT_GT(other.pixelColor(corner, corner).alpha(), 100) << side;
             }
