@@ -72,8 +72,12 @@ class Desktop:
     def __exit__(self, *_):
         for process in reversed(self.processes):
             if process.poll() is None:
+                process.terminate()  # a display server removes its lock and its socket
+            try:
+                process.wait(5)
+            except subprocess.TimeoutExpired:
                 process.kill()
-            process.wait()
+                process.wait()
         shutil.rmtree(self.home, ignore_errors=True)
 
     def start(self, *command, **options):
@@ -88,9 +92,11 @@ class Desktop:
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus_address
 
     def _start_display(self):
+        # A number of our own: servers that look for a free one and leave at the same time trip over each other.
+        display = ":" + str(100 + os.getpid() % 50000)
         reading, writing = os.pipe()
-        self.start("Xvfb", "-displayfd", str(writing), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
-                   pass_fds=[writing], stderr=subprocess.DEVNULL)
+        self.start("Xvfb", display, "-displayfd", str(writing), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
+                   "-noreset", pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as numbers:
             self.environment["DISPLAY"] = ":" + numbers.readline().strip()
