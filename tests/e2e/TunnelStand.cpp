@@ -1,0 +1,175 @@
+#include "e2e/TunnelStand.h"
+
+#include "fixtures/Subprocess.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace velmora::test {
+
+namespace {
+
+Paths pathsIn(const std::filesystem::path& directory) {
+    const Paths paths{.home = directory / "home",
+                      .applicationSupport = directory / "share",
+                      .library = directory / "state",
+                      .configuration = directory / "config",
+                      .temporary = directory / "run",
+                      .largeTemporary = directory / "run"};
+    for (const auto& path : {paths.home, paths.applicationSupport, paths.library, paths.configuration}) {
+        std::filesystem::create_directory(path);
+    }
+    std::filesystem::create_directory(paths.temporary);
+    std::filesystem::permissions(paths.temporary, std::filesystem::perms::owner_all);
+    return paths;
+}
+
+/// Without an agent, whose keys would be offered first, and without a screen.
+Environment plainEnvironment(const Paths& paths) {
+    return {{"PATH", "/usr/bin:/bin"}, {"HOME", paths.home.string()}, {"LC_ALL", "C"}};
+}
+
+ForwardingRule ruleOf(ForwardingType type, std::uint16_t bindPort) {
+    ForwardingRule rule;
+    rule.type = type;
+    rule.bindAddress = "127.0.0.1";
+    rule.bindPort = bindPort;
+    return rule;
+}
+
+ForwardingRule ruleTo(ForwardingType type, std::uint16_t bindPort, std::uint16_t targetPort) {
+    auto rule = ruleOf(type, bindPort);
+    rule.targetAddress = "127.0.0.1";
+    rule.targetPort = targetPort;
+    return rule;
+}
+
+}  // namespace
+
+Credential NoCredentialStore::copyMatching(const CredentialKey& /*key*/) {
+    return {};
+}
+CredentialStatus NoCredentialStore::update(const CredentialKey& /*key*/, std::string_view /*secret*/) {
+    return CredentialStatus::notAvailable;
+}
+CredentialStatus NoCredentialStore::add(const CredentialKey& /*key*/, std::string_view /*secret*/) {
+    return CredentialStatus::notAvailable;
+}
+CredentialStatus NoCredentialStore::remove(const CredentialKey& /*key*/) {
+    return CredentialStatus::notAvailable;
+}
+
+bool UntouchedDefaultsStore::boolean(std::string_view /*key*/) const {
+    return false;
+}
+std::string UntouchedDefaultsStore::string(std::string_view /*key*/) const {
+    return {};
+}
+bool UntouchedDefaultsStore::contains(std::string_view /*key*/) const {
+    return false;
+}
+void UntouchedDefaultsStore::setBoolean(std::string_view /*key*/, bool /*value*/) {}
+void UntouchedDefaultsStore::setString(std::string_view /*key*/, std::string_view /*value*/) {}
+void UntouchedDefaultsStore::remove(std::string_view /*key*/) {}
+
+TunnelStand::TunnelStand() : TunnelStand(noCredentials_) {}
+
+TunnelStand::TunnelStand(CredentialStore& credentials) : launcher_(std::make_unique<AsioProcessLauncher>(io_)) {
+    const Paths paths = pathsIn(directory_.path());
+    manager_ = std::make_unique<TunnelManager>(Platform{.paths = paths,
+                                                        .scheduler = scheduler_,
+                                                        .launcher = *launcher_,
+                                                        .runner = runner_,
+                                                        .credentials = credentials,
+                                                        .defaults = defaults_,
+                                                        .environment = plainEnvironment(paths)});
+}
+
+TunnelStand::~TunnelStand() {
+    quit();
+}
+
+void TunnelStand::connect(const SSHHost& host) {
+    manager_->hosts().edit([&](std::vector<SSHHost>& hosts) { hosts.push_back(host); });
+    manager_->connect(host);
+}
+
+void TunnelStand::quit() {
+    if (manager_) {
+        manager_->terminateAllProcesses();
+    }
+    manager_.reset();
+    launcher_.reset();
+}
+
+bool TunnelStand::waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        run(std::chrono::milliseconds(20));
+    }
+    return true;
+}
+
+bool TunnelStand::waitForState(const SSHHost& host, ConnectionStatus::State state) {
+    return waitUntil([&] { return manager_->status(host.id).state == state; });
+}
+
+void TunnelStand::run(std::chrono::milliseconds duration) {
+    QEventLoop loop;
+    QTimer::singleShot(duration, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+std::string TunnelStand::log(const SSHHost& host) const {
+    std::ifstream file(manager_->logURL(host));
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::filesystem::path> TunnelStand::askpassFiles() const {
+    std::vector<std::filesystem::path> found;
+    for (const auto& entry : std::filesystem::directory_iterator(directory_.path() / "run")) {
+        if (entry.path().filename().string().starts_with("velmora-askpass-")) {
+            found.push_back(entry.path());
+        }
+    }
+    return found;
+}
+
+std::vector<pid_t> TunnelStand::sshProcesses() {
+    auto processes = descendantsOf(getpid());
+    std::erase_if(processes, [](pid_t pid) { return programName(pid) != "ssh"; });
+    return processes;
+}
+
+SSHHost hostAt(const Sshd& sshd) {
+    SSHHost host;
+    host.name = "test";
+    host.hostname = "127.0.0.1";
+    host.port = sshd.port();
+    host.username = Sshd::userName();
+    host.identityFile = sshd.userKey();
+    return host;
+}
+
+ForwardingRule localRule(std::uint16_t bindPort, std::uint16_t targetPort) {
+    return ruleTo(ForwardingType::local, bindPort, targetPort);
+}
+
+ForwardingRule remoteRule(std::uint16_t bindPort, std::uint16_t targetPort) {
+    return ruleTo(ForwardingType::remote, bindPort, targetPort);
+}
+
+ForwardingRule dynamicRule(std::uint16_t bindPort) {
+    return ruleOf(ForwardingType::dynamic, bindPort);
+}
+
+}  // namespace velmora::test
