@@ -8,9 +8,6 @@
 
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace velmora::test {
 
 namespace {
@@ -65,19 +62,6 @@ CredentialStatus NoCredentialStore::remove(const CredentialKey& /*key*/) {
     return CredentialStatus::notAvailable;
 }
 
-bool UntouchedDefaultsStore::boolean(std::string_view /*key*/) const {
-    return false;
-}
-std::string UntouchedDefaultsStore::string(std::string_view /*key*/) const {
-    return {};
-}
-bool UntouchedDefaultsStore::contains(std::string_view /*key*/) const {
-    return false;
-}
-void UntouchedDefaultsStore::setBoolean(std::string_view /*key*/, bool /*value*/) {}
-void UntouchedDefaultsStore::setString(std::string_view /*key*/, std::string_view /*value*/) {}
-void UntouchedDefaultsStore::remove(std::string_view /*key*/) {}
-
 TunnelStand::TunnelStand() : TunnelStand(noCredentials_) {}
 
 TunnelStand::TunnelStand(CredentialStore& credentials) : launcher_(std::make_unique<AsioProcessLauncher>(io_)) {
@@ -130,8 +114,7 @@ void TunnelStand::run(std::chrono::milliseconds duration) {
 }
 
 std::string TunnelStand::log(const SSHHost& host) const {
-    std::ifstream file(manager_->logURL(host));
-    return {std::istreambuf_iterator<char>(file), {}};
+    return contentOf(manager_->logURL(host));
 }
 
 std::vector<std::filesystem::path> TunnelStand::askpassFiles() const {

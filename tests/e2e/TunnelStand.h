@@ -1,10 +1,10 @@
 #pragma once
 
+#include "fakes/InMemoryDefaultsStore.h"
+#include "fakes/TemporaryDirectory.h"
 #include "fixtures/Sshd.h"
-#include "fixtures/TemporaryDirectory.h"
 #include "manager/TunnelManager.h"
 #include "platform/CredentialStore.h"
-#include "platform/DefaultsStore.h"
 #include "platform/posix/AsioProcessLauncher.h"
 #include "platform/posix/IoThread.h"
 #include "platform/posix/SystemProcessRunner.h"
@@ -28,17 +28,6 @@ public:
     CredentialStatus update(const CredentialKey& key, std::string_view secret) override;
     CredentialStatus add(const CredentialKey& key, std::string_view secret) override;
     CredentialStatus remove(const CredentialKey& key) override;
-};
-
-/// Settings of a user who has never set any.
-class UntouchedDefaultsStore final : public DefaultsStore {
-public:
-    [[nodiscard]] bool boolean(std::string_view key) const override;
-    [[nodiscard]] std::string string(std::string_view key) const override;
-    [[nodiscard]] bool contains(std::string_view key) const override;
-    void setBoolean(std::string_view key, bool value) override;
-    void setString(std::string_view key, std::string_view value) override;
-    void remove(std::string_view key) override;
 };
 
 /// The manager as the program builds it: the real clock, event loop, process launcher and ssh, in directories of the
@@ -74,7 +63,7 @@ public:
 private:
     TemporaryDirectory directory_;
     NoCredentialStore noCredentials_;
-    UntouchedDefaultsStore defaults_;
+    InMemoryDefaultsStore defaults_;
     QtScheduler scheduler_;
     IoThread io_;
     SystemProcessRunner runner_;
