@@ -49,20 +49,7 @@ ForwardingRule ruleTo(ForwardingType type, std::uint16_t bindPort, std::uint16_t
 
 }  // namespace
 
-Credential NoCredentialStore::copyMatching(const CredentialKey& /*key*/) {
-    return {};
-}
-CredentialStatus NoCredentialStore::update(const CredentialKey& /*key*/, std::string_view /*secret*/) {
-    return CredentialStatus::notAvailable;
-}
-CredentialStatus NoCredentialStore::add(const CredentialKey& /*key*/, std::string_view /*secret*/) {
-    return CredentialStatus::notAvailable;
-}
-CredentialStatus NoCredentialStore::remove(const CredentialKey& /*key*/) {
-    return CredentialStatus::notAvailable;
-}
-
-TunnelStand::TunnelStand() : TunnelStand(noCredentials_) {}
+TunnelStand::TunnelStand() : TunnelStand(noPasswords_) {}
 
 TunnelStand::TunnelStand(CredentialStore& credentials) : launcher_(std::make_unique<AsioProcessLauncher>(io_)) {
     const Paths paths = pathsIn(directory_.path());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fakes/InMemoryDefaultsStore.h"
+#include "fakes/RecordingCredentialStore.h"
 #include "fakes/TemporaryDirectory.h"
 #include "fixtures/Sshd.h"
 #include "manager/TunnelManager.h"
@@ -20,15 +21,6 @@
 #include <vector>
 
 namespace velmora::test {
-
-/// A system without a keychain.
-class NoCredentialStore final : public CredentialStore {
-public:
-    Credential copyMatching(const CredentialKey& key) override;
-    CredentialStatus update(const CredentialKey& key, std::string_view secret) override;
-    CredentialStatus add(const CredentialKey& key, std::string_view secret) override;
-    CredentialStatus remove(const CredentialKey& key) override;
-};
 
 /// The manager as the program builds it: the real clock, event loop, process launcher and ssh, in directories of the
 /// test's own.
@@ -62,7 +54,7 @@ public:
 
 private:
     TemporaryDirectory directory_;
-    NoCredentialStore noCredentials_;
+    RecordingCredentialStore noPasswords_;
     InMemoryDefaultsStore defaults_;
     QtScheduler scheduler_;
     IoThread io_;
