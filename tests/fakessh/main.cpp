@@ -7,6 +7,7 @@
 //   FAKESSH_EXIT    ends at once with this status
 //   FAKESSH_LAST    bytes for standard error when SIGTERM comes; then it ends with status 255
 //   FAKESSH_IGNORE  ignores SIGTERM
+//   FAKESSH_MISS    misses the first SIGTERM
 //   FAKESSH_HEIR    leaves a process behind that keeps the pipes open; its pid goes to this file
 // Without FAKESSH_EXIT it runs until it is told to end.
 #include <dirent.h>
@@ -118,6 +119,10 @@ void endWithLastWords(int) {
     ::_exit(255);
 }
 
+void missThisOne(int) {
+    std::signal(SIGTERM, SIG_DFL);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -127,6 +132,9 @@ int main(int argc, char** argv) {
     }
     if (!setting("FAKESSH_IGNORE").empty()) {
         std::signal(SIGTERM, SIG_IGN);
+    }
+    if (!setting("FAKESSH_MISS").empty()) {
+        std::signal(SIGTERM, missThisOne);
     }
     if (const auto path = setting("FAKESSH_DUMP"); !path.empty()) {
         dump(path, argc, argv);

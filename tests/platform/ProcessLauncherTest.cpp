@@ -230,6 +230,15 @@ TEST_F(ProcessLauncherTest, TheLauncherEndsWhatStillRunsAndThenIsSilent) {
     EXPECT_TRUE(witness_.statuses().empty());
 }
 
+TEST_F(ProcessLauncherTest, AProcessThatMissesTerminateIsAskedAgain) {
+    auto process = launch({{"FAKESSH_DUMP", directory_ / "dump"}, {"FAKESSH_MISS", "1"}});
+    ASSERT_TRUE(process);
+    pid();
+    (*process)->terminate();
+    process->reset();  // also when nobody holds it any more
+    EXPECT_EQ(witness_.waitForExit(), SIGTERM);
+}
+
 TEST_F(ProcessLauncherTest, AProcessThatIgnoresTerminateRunsOn) {
     auto process = launch({{"FAKESSH_DUMP", directory_ / "dump"}, {"FAKESSH_IGNORE", "1"}});
     ASSERT_TRUE(process);

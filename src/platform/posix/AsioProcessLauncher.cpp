@@ -3,6 +3,7 @@
 #include "base/Pipe.h"
 #include "platform/posix/Spawn.h"
 
+#include <boost/asio/basic_waitable_timer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/posix/basic_stream_descriptor.hpp>
 #include <boost/asio/post.hpp>
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <future>
 #include <mutex>
@@ -23,6 +25,8 @@ namespace {
 namespace asio = boost::asio;
 
 using Descriptor = asio::posix::basic_stream_descriptor<asio::io_context::executor_type>;
+using Timer = asio::basic_waitable_timer<std::chrono::steady_clock, asio::wait_traits<std::chrono::steady_clock>,
+                                         asio::io_context::executor_type>;
 
 }  // namespace
 
@@ -56,6 +60,7 @@ public:
           ProcessEvents events, const std::shared_ptr<Children>& siblings)
         : pid_(process.pid),
           exit_(context, process.exitDescriptor.release()),
+          reminder_(context),
           standardError_(context, standardError.release()),
           standardOutput_(std::move(standardOutput)),
           events_(std::move(events)),
@@ -71,16 +76,15 @@ public:
     }
 
     void stopWatching() {
+        reminder_.cancel();
         exit_.close();
         standardError_.close();
     }
 
-    /// Any thread: the number is ours until the process has been waited for.
+    /// Any thread.
     void terminate() {
-        const std::lock_guard lock(mutex_);
-        if (!ended_) {
-            ::kill(pid_, SIGTERM);
-        }
+        sendTerminate();
+        asio::post(exit_.get_executor(), [self = shared_from_this()] { self->remind(mostReminders); });
     }
 
 private:
@@ -139,6 +143,29 @@ private:
         events_ = {};
     }
 
+    /// Any thread: the number is ours until the process has been waited for.
+    void sendTerminate() {
+        const std::lock_guard lock(mutex_);
+        if (!ended_) {
+            ::kill(pid_, SIGTERM);
+        }
+    }
+
+    /// ssh looks whether a signal came and then goes to sleep until its next keep-alive. A signal between the two is
+    /// lost on it, and it keeps its ports; another one wakes it.
+    void remind(int times) {
+        if (times == 0 || !exit_.is_open()) {
+            return;
+        }
+        reminder_.expires_after(reminderDelay);
+        reminder_.async_wait([self = shared_from_this(), times](const boost::system::error_code& error) {
+            if (!error) {
+                self->sendTerminate();
+                self->remind(times - 1);
+            }
+        });
+    }
+
     int waitForEnd() {
         const std::lock_guard lock(mutex_);
         ended_ = true;
@@ -146,11 +173,14 @@ private:
     }
 
     static constexpr std::size_t longestRead = 65536;
+    static constexpr auto reminderDelay = std::chrono::milliseconds(250);
+    static constexpr int mostReminders = 8;
 
     const pid_t pid_;
     std::mutex mutex_;
     bool ended_ = false;
     Descriptor exit_;
+    Timer reminder_;
     Descriptor standardError_;
     UniqueFd standardOutput_;  // never read: nothing is written there, and a reader would be one more thing to wake
     ProcessEvents events_;
