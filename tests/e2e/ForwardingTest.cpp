@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-namespace velmora::test {
+namespace velmora {
 namespace {
 
 constexpr std::size_t fiveMegabytes = 5 * 1024 * 1024;
@@ -67,4 +67,4 @@ TEST_F(ForwardingTest, disabledRuleBindsNothing) {
 }
 
 }  // namespace
-}  // namespace velmora::test
+}  // namespace velmora

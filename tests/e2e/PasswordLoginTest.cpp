@@ -15,7 +15,7 @@
 #include <memory>
 #include <string>
 
-namespace velmora::test {
+namespace velmora {
 namespace {
 
 using testing::HasSubstr;
@@ -114,4 +114,4 @@ TEST_F(PasswordLoginTest, quitRemovesTheScript) {
 }
 
 }  // namespace
-}  // namespace velmora::test
+}  // namespace velmora

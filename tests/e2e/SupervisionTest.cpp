@@ -10,7 +10,7 @@
 #include <chrono>
 #include <string>
 
-namespace velmora::test {
+namespace velmora {
 namespace {
 
 using namespace std::chrono_literals;
@@ -182,4 +182,4 @@ TEST_F(SupervisionTest, quitLeavesNoSsh) {
 }
 
 }  // namespace
-}  // namespace velmora::test
+}  // namespace velmora

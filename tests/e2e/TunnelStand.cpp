@@ -1,6 +1,6 @@
 #include "e2e/TunnelStand.h"
 
-#include "fixtures/Subprocess.h"
+#include "fixtures/Processes.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-namespace velmora::test {
+namespace velmora {
 
 namespace {
 
@@ -142,4 +142,4 @@ ForwardingRule dynamicRule(std::uint16_t bindPort) {
     return ruleOf(ForwardingType::dynamic, bindPort);
 }
 
-}  // namespace velmora::test
+}  // namespace velmora

@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-namespace velmora::test {
+namespace velmora {
 
 /// The manager as the program builds it: the real clock, event loop, process launcher and ssh, in directories of the
 /// test's own.
@@ -69,4 +69,4 @@ private:
 [[nodiscard]] ForwardingRule remoteRule(std::uint16_t bindPort, std::uint16_t targetPort);
 [[nodiscard]] ForwardingRule dynamicRule(std::uint16_t bindPort);
 
-}  // namespace velmora::test
+}  // namespace velmora
