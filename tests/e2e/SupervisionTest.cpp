@@ -1,6 +1,7 @@
 #include "e2e/TunnelStand.h"
 #include "fixtures/FreePort.h"
 #include "fixtures/PageServer.h"
+#include "fixtures/Processes.h"
 #include "fixtures/Sshd.h"
 #include "fixtures/Transfer.h"
 
