@@ -60,7 +60,6 @@ public:
           ProcessEvents events, const std::shared_ptr<Children>& siblings)
         : pid_(process.pid),
           exit_(context, process.exitDescriptor.release()),
-          reminder_(context),
           standardError_(context, standardError.release()),
           standardOutput_(std::move(standardOutput)),
           events_(std::move(events)),
@@ -76,7 +75,7 @@ public:
     }
 
     void stopWatching() {
-        reminder_.cancel();
+        reminder_.reset();
         exit_.close();
         standardError_.close();
     }
@@ -157,8 +156,11 @@ private:
         if (times == 0 || !exit_.is_open()) {
             return;
         }
-        reminder_.expires_after(reminderDelay);
-        reminder_.async_wait([self = shared_from_this(), times](const boost::system::error_code& error) {
+        if (!reminder_) {
+            reminder_ = std::make_unique<Timer>(exit_.get_executor());  // most processes never need one
+        }
+        reminder_->expires_after(reminderDelay);
+        reminder_->async_wait([self = shared_from_this(), times](const boost::system::error_code& error) {
             if (!error) {
                 self->sendTerminate();
                 self->remind(times - 1);
@@ -180,7 +182,7 @@ private:
     std::mutex mutex_;
     bool ended_ = false;
     Descriptor exit_;
-    Timer reminder_;
+    std::unique_ptr<Timer> reminder_;
     Descriptor standardError_;
     UniqueFd standardOutput_;  // never read: nothing is written there, and a reader would be one more thing to wake
     ProcessEvents events_;
