@@ -1,14 +1,12 @@
 #include "model/HostJson.h"
 
 #include "base/Text.h"
+#include "model/JsonDocument.h"
 
-#include <boost/json/monotonic_resource.hpp>
-#include <boost/json/parser.hpp>
 #include <boost/json/value.hpp>
 
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <optional>
 #include <span>
 
@@ -17,8 +15,6 @@ namespace velmora {
 namespace {
 
 namespace json = boost::json;
-
-constexpr std::size_t deepestNesting = 64;
 
 /// Where and why a value was refused; `place` grows from the inside out.
 struct Refusal {
@@ -45,17 +41,17 @@ std::string elementPlace(std::size_t index) {
 // ---- one reader a type of value ----
 
 Outcome readValue(const json::value& value, std::string& out) {
-    const auto* text = value.if_string();
-    if (text == nullptr) {
+    const auto text = stringFrom(value);
+    if (!text) {
         return wrongType("a string");
     }
-    out.assign(text->data(), text->size());
+    out = *text;
     return {};
 }
 
 Outcome readValue(const json::value& value, bool& out) {
-    const auto* flag = value.if_bool();
-    if (flag == nullptr) {
+    const auto flag = booleanFrom(value);
+    if (!flag) {
         return wrongType("a boolean");
     }
     out = *flag;
@@ -63,22 +59,17 @@ Outcome readValue(const json::value& value, bool& out) {
 }
 
 Outcome readValue(const json::value& value, std::int64_t& out) {
-    if (const auto* integer = value.if_int64()) {
-        out = *integer;
-        return {};
-    }
-    constexpr double limit = 9223372036854775808.0;  // 2^63: what was written as more may have been rounded to it
-    const auto* number = value.if_double();
-    if (number == nullptr || std::trunc(*number) != *number || std::abs(*number) >= limit) {
+    const auto integer = integerFrom(value);
+    if (!integer) {
         return wrongType("an integer of 64 bits");
     }
-    out = static_cast<std::int64_t>(*number);
+    out = *integer;
     return {};
 }
 
 Outcome readValue(const json::value& value, Uuid& out) {
-    const auto* text = value.if_string();
-    const auto id = text != nullptr ? Uuid::parse({text->data(), text->size()}) : std::nullopt;
+    const auto text = stringFrom(value);
+    const auto id = text ? Uuid::parse(*text) : std::nullopt;
     if (!id) {
         return wrongType("an identifier");
     }
@@ -89,8 +80,8 @@ Outcome readValue(const json::value& value, Uuid& out) {
 template <typename Enumeration>
 Outcome readRawValue(const json::value& value, Enumeration& out,
                      std::optional<Enumeration> (*fromRawValue)(std::string_view)) {
-    const auto* text = value.if_string();
-    const auto known = text != nullptr ? fromRawValue({text->data(), text->size()}) : std::nullopt;
+    const auto text = stringFrom(value);
+    const auto known = text ? fromRawValue(*text) : std::nullopt;
     if (!known) {
         return wrongType("one of the known values");
     }
@@ -372,22 +363,12 @@ std::size_t estimatedSize(const std::vector<SSHHost>& hosts) {
 }  // namespace
 
 Result<std::vector<SSHHost>, Error> decodeHosts(std::string_view text) {
-    if (text.size() > maximumHostListSize) {
-        return Error{"larger than " + std::to_string(maximumHostListSize) + " bytes"};
+    const auto document = JsonDocument::parse(text, maximumHostListSize);
+    if (!document) {
+        return document.error();
     }
-    json::monotonic_resource memory(text.size() + 1024);
-    json::parse_options options;
-    options.max_depth = deepestNesting;
-    json::parser parser(&memory, options);
-    boost::system::error_code error;
-    parser.write(text.data(), text.size(), error);
-    if (error) {
-        return Error{"not JSON: " + error.message()};
-    }
-    const json::value document = parser.release();
-
     std::vector<SSHHost> hosts;
-    if (auto refusal = readValue(document, hosts)) {
+    if (auto refusal = readValue(document->root(), hosts)) {
         return Error{(refusal->place.empty() ? "the list" : refusal->place) + " " + refusal->reason};
     }
     return hosts;
