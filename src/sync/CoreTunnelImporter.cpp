@@ -1,0 +1,242 @@
+#include "sync/CoreTunnelImporter.h"
+
+#include "base/AtomicFile.h"
+#include "base/Text.h"
+#include "model/HostJson.h"
+#include "model/JsonDocument.h"
+
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+namespace json = boost::json;
+
+// ---- the file as it is ----
+
+using Options = std::map<std::string, std::string, std::less<>>;
+
+struct Forwarding {
+    std::string type;
+    std::optional<std::string> bindAddress;
+    std::optional<std::int64_t> bindPort;
+    std::optional<std::string> targetAddress;
+    std::optional<std::string> targetHost;
+    std::optional<std::int64_t> targetPort;
+    std::optional<bool> enabled;
+};
+
+struct Profile {
+    std::string name;
+    std::string address;
+    std::optional<std::int64_t> port;
+    std::optional<std::string> user;
+    std::optional<bool> autoConnect;
+    std::optional<std::vector<Forwarding>> forwardings;
+    std::optional<Options> options;
+    std::optional<std::string> identityFile;
+};
+
+// Each reader is false when the value is not of the type.
+
+bool read(const json::value& value, std::string& out) {
+    const auto text = stringFrom(value);
+    if (text) {
+        out = *text;
+    }
+    return text.has_value();
+}
+
+bool read(const json::value& value, bool& out) {
+    const auto flag = booleanFrom(value);
+    out = flag.value_or(false);
+    return flag.has_value();
+}
+
+bool read(const json::value& value, std::int64_t& out) {
+    const auto number = integerFrom(value);
+    out = number.value_or(0);
+    return number.has_value();
+}
+
+bool read(const json::value& value, Options& out) {
+    const auto* object = value.if_object();
+    if (object == nullptr) {
+        return false;
+    }
+    for (const auto& option : *object) {
+        if (!read(option.value(), out[std::string(option.key())])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool read(const json::value& value, Forwarding& out);
+bool read(const json::value& value, Profile& out);
+
+template <typename Element>
+bool read(const json::value& value, std::vector<Element>& out) {
+    const auto* array = value.if_array();
+    if (array == nullptr) {
+        return false;
+    }
+    out.reserve(array->size());
+    for (const auto& element : *array) {
+        if (!read(element, out.emplace_back())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+template <typename T>
+bool readRequired(const json::object& object, std::string_view key, T& out) {
+    const auto* value = object.if_contains(key);
+    return value != nullptr && read(*value, out);
+}
+
+template <typename T>
+bool readOptional(const json::object& object, std::string_view key, std::optional<T>& out) {
+    const auto* value = object.if_contains(key);
+    return value == nullptr || value->is_null() || read(*value, out.emplace());
+}
+
+bool read(const json::value& value, Forwarding& out) {
+    const auto* object = value.if_object();
+    return object != nullptr && readRequired(*object, "type", out.type) &&
+           readOptional(*object, "bindAddress", out.bindAddress) && readOptional(*object, "bindPort", out.bindPort) &&
+           readOptional(*object, "targetAddress", out.targetAddress) &&
+           readOptional(*object, "targetHost", out.targetHost) && readOptional(*object, "targetPort", out.targetPort) &&
+           readOptional(*object, "enabled", out.enabled);
+}
+
+bool read(const json::value& value, Profile& out) {
+    const auto* object = value.if_object();
+    return object != nullptr && readRequired(*object, "name", out.name) &&
+           readRequired(*object, "address", out.address) && readOptional(*object, "port", out.port) &&
+           readOptional(*object, "user", out.user) && readOptional(*object, "autoConnect", out.autoConnect) &&
+           readOptional(*object, "forwardings", out.forwardings) && readOptional(*object, "options", out.options) &&
+           readOptional(*object, "identityFile", out.identityFile);
+}
+
+// ---- what it means ----
+
+constexpr char asciiLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool equalInAnyCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, asciiLower, asciiLower);
+}
+
+/// Any capitalisation counts. (No other script has letters whose other case is one of the names' letters.)
+ForwardingType forwardingType(std::string_view text) {
+    for (const auto type : allForwardingTypes) {
+        if (equalInAnyCase(text, rawValue(type))) {
+            return type;
+        }
+    }
+    return ForwardingType::dynamic;
+}
+
+ForwardingRule convertRule(Forwarding&& forwarding) {
+    ForwardingRule rule;
+    rule.type = forwardingType(forwarding.type);
+    rule.bindAddress = std::move(forwarding.bindAddress).value_or("");
+    rule.bindPort = forwarding.bindPort.value_or(0);
+    auto& target = forwarding.targetAddress ? forwarding.targetAddress : forwarding.targetHost;
+    rule.targetAddress = std::move(target).value_or("");
+    rule.targetPort = forwarding.targetPort.value_or(0);
+    rule.enabled = forwarding.enabled.value_or(true);
+    return rule;
+}
+
+/// Neither a name with dots nor an address: something that the user's ssh configuration explains.
+bool isAlias(std::string_view address) {
+    return !address.empty() && address.find_first_of(".:") == std::string_view::npos && !startsWithNumber(address);
+}
+
+/// A whole decimal number of 64 bits, with or without a sign.
+std::optional<std::int64_t> integerFromText(std::string_view text) {
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-')) {
+            return std::nullopt;
+        }
+    }
+    std::int64_t number = 0;
+    const auto* end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+std::int64_t integerOption(const Options& options, std::string_view name, std::int64_t otherwise) {
+    const auto option = options.find(name);
+    return option == options.end() ? otherwise : integerFromText(option->second).value_or(otherwise);
+}
+
+SSHHost convert(Profile&& profile) {
+    SSHHost host;
+    host.name = std::move(profile.name);
+    host.hostname = std::move(profile.address);
+    host.useSSHConfigAlias = isAlias(host.hostname);
+    if (!host.useSSHConfigAlias) {  // an alias takes both from the ssh configuration
+        host.port = profile.port.value_or(host.port);
+        host.username = std::move(profile.user).value_or("");
+    }
+    host.connectOnStartup = profile.autoConnect.value_or(false);
+    host.identityFile = std::move(profile.identityFile).value_or("");
+    if (profile.options) {
+        host.serverAliveInterval = integerOption(*profile.options, "ServerAliveInterval", host.serverAliveInterval);
+        host.serverAliveCountMax = integerOption(*profile.options, "ServerAliveCountMax", host.serverAliveCountMax);
+    }
+    if (profile.forwardings) {
+        host.forwardingRules.reserve(profile.forwardings->size());
+        for (auto& forwarding : *profile.forwardings) {
+            host.forwardingRules.push_back(convertRule(std::move(forwarding)));
+        }
+    }
+    return host;
+}
+
+}  // namespace
+
+std::string_view description(ImportError) {
+    return "Could not read the .coretunnel file.";
+}
+
+Result<std::vector<SSHHost>, ImportError> CoreTunnelImporter::decode(std::string_view bytes) {
+    const auto document = JsonDocument::parse(bytes, maximumHostListSize);
+    const auto* backup = document ? document->root().if_object() : nullptr;
+    std::vector<Profile> profiles;
+    if (backup == nullptr || !readRequired(*backup, "profiles", profiles)) {
+        return ImportError::invalidFile;
+    }
+    std::vector<SSHHost> hosts;
+    hosts.reserve(profiles.size());
+    for (auto& profile : profiles) {
+        hosts.push_back(convert(std::move(profile)));
+    }
+    return hosts;
+}
+
+Result<std::vector<SSHHost>, Error> CoreTunnelImporter::importHosts(const std::filesystem::path& file) {
+    const auto bytes = readFile(file, maximumHostListSize);
+    if (!bytes) {
+        return bytes.error();
+    }
+    auto hosts = decode(*bytes);
+    if (!hosts) {
+        return Error{std::string(description(hosts.error()))};
+    }
+    return *std::move(hosts);
+}
+
+}  // namespace velmora
