@@ -30,13 +30,32 @@ constexpr int hexValue(char c) {
     return -1;
 }
 
+/// The system's entropy, fetched for sixteen identifiers at a time: the call costs far more than the bytes, and a list
+/// of hosts asks for one a host and a rule. A process that forks must not draw from it on both sides.
+class Entropy final {
+public:
+    void take(std::array<std::uint8_t, 16>& out) {
+        if (left_ == 0) {
+            if (::getentropy(bytes_.data(), bytes_.size()) != 0) {
+                std::abort();  // no entropy means no safe file name and no identity: nothing sensible can follow
+            }
+            left_ = bytes_.size();
+        }
+        left_ -= out.size();
+        std::memcpy(out.data(), bytes_.data() + left_, out.size());
+    }
+
+private:
+    std::array<std::uint8_t, 256> bytes_{};  // the most that one call gives
+    std::size_t left_ = 0;
+};
+
 }  // namespace
 
 Uuid Uuid::random() {
+    thread_local Entropy entropy;
     Uuid id;
-    if (::getentropy(id.bytes.data(), id.bytes.size()) != 0) {
-        std::abort();  // no entropy means no safe file name and no identity: nothing sensible can follow
-    }
+    entropy.take(id.bytes);
     id.bytes[6] = static_cast<std::uint8_t>((id.bytes[6] & 0x0F) | 0x40);
     id.bytes[8] = static_cast<std::uint8_t>((id.bytes[8] & 0x3F) | 0x80);
     return id;
