@@ -18,38 +18,36 @@ namespace {
 
 namespace json = boost::json;
 
-// ---- the file as it is ----
+// ---- the file as it is; texts stay in the document ----
 
-using Options = std::map<std::string, std::string, std::less<>>;
+using Options = std::map<std::string_view, std::string_view>;
 
 struct Forwarding {
-    std::string type;
-    std::optional<std::string> bindAddress;
+    std::string_view type;
+    std::optional<std::string_view> bindAddress;
     std::optional<std::int64_t> bindPort;
-    std::optional<std::string> targetAddress;
-    std::optional<std::string> targetHost;
+    std::optional<std::string_view> targetAddress;
+    std::optional<std::string_view> targetHost;
     std::optional<std::int64_t> targetPort;
     std::optional<bool> enabled;
 };
 
 struct Profile {
-    std::string name;
-    std::string address;
+    std::string_view name;
+    std::string_view address;
     std::optional<std::int64_t> port;
-    std::optional<std::string> user;
+    std::optional<std::string_view> user;
     std::optional<bool> autoConnect;
     std::optional<std::vector<Forwarding>> forwardings;
     std::optional<Options> options;
-    std::optional<std::string> identityFile;
+    std::optional<std::string_view> identityFile;
 };
 
 // Each reader is false when the value is not of the type.
 
-bool read(const json::value& value, std::string& out) {
+bool read(const json::value& value, std::string_view& out) {
     const auto text = stringFrom(value);
-    if (text) {
-        out = *text;
-    }
+    out = text.value_or(std::string_view());
     return text.has_value();
 }
 
@@ -71,7 +69,7 @@ bool read(const json::value& value, Options& out) {
         return false;
     }
     for (const auto& option : *object) {
-        if (!read(option.value(), out[std::string(option.key())])) {
+        if (!read(option.value(), out[option.key()])) {
             return false;
         }
     }
@@ -146,13 +144,13 @@ ForwardingType forwardingType(std::string_view text) {
     return ForwardingType::dynamic;
 }
 
-ForwardingRule convertRule(Forwarding&& forwarding) {
+ForwardingRule convertRule(const Forwarding& forwarding) {
     ForwardingRule rule;
     rule.type = forwardingType(forwarding.type);
-    rule.bindAddress = std::move(forwarding.bindAddress).value_or("");
+    rule.bindAddress = forwarding.bindAddress.value_or("");
     rule.bindPort = forwarding.bindPort.value_or(0);
-    auto& target = forwarding.targetAddress ? forwarding.targetAddress : forwarding.targetHost;
-    rule.targetAddress = std::move(target).value_or("");
+    const auto& target = forwarding.targetAddress ? forwarding.targetAddress : forwarding.targetHost;
+    rule.targetAddress = target.value_or("");
     rule.targetPort = forwarding.targetPort.value_or(0);
     rule.enabled = forwarding.enabled.value_or(true);
     return rule;
@@ -182,25 +180,25 @@ std::int64_t integerOption(const Options& options, std::string_view name, std::i
     return option == options.end() ? otherwise : integerFromText(option->second).value_or(otherwise);
 }
 
-SSHHost convert(Profile&& profile) {
+SSHHost convert(const Profile& profile) {
     SSHHost host;
-    host.name = std::move(profile.name);
-    host.hostname = std::move(profile.address);
+    host.name = profile.name;
+    host.hostname = profile.address;
     host.useSSHConfigAlias = isAlias(host.hostname);
     if (!host.useSSHConfigAlias) {  // an alias takes both from the ssh configuration
         host.port = profile.port.value_or(host.port);
-        host.username = std::move(profile.user).value_or("");
+        host.username = profile.user.value_or("");
     }
     host.connectOnStartup = profile.autoConnect.value_or(false);
-    host.identityFile = std::move(profile.identityFile).value_or("");
+    host.identityFile = profile.identityFile.value_or("");
     if (profile.options) {
         host.serverAliveInterval = integerOption(*profile.options, "ServerAliveInterval", host.serverAliveInterval);
         host.serverAliveCountMax = integerOption(*profile.options, "ServerAliveCountMax", host.serverAliveCountMax);
     }
     if (profile.forwardings) {
         host.forwardingRules.reserve(profile.forwardings->size());
-        for (auto& forwarding : *profile.forwardings) {
-            host.forwardingRules.push_back(convertRule(std::move(forwarding)));
+        for (const auto& forwarding : *profile.forwardings) {
+            host.forwardingRules.push_back(convertRule(forwarding));
         }
     }
     return host;
@@ -221,8 +219,8 @@ Result<std::vector<SSHHost>, ImportError> CoreTunnelImporter::decode(std::string
     }
     std::vector<SSHHost> hosts;
     hosts.reserve(profiles.size());
-    for (auto& profile : profiles) {
-        hosts.push_back(convert(std::move(profile)));
+    for (const auto& profile : profiles) {
+        hosts.push_back(convert(profile));
     }
     return hosts;
 }
