@@ -3,9 +3,11 @@
 #include "base/AtomicFile.h"
 #include "base/Text.h"
 #include "model/HostJson.h"
+#include "sync/ReplacedHosts.h"
 #include "tunnel/AskpassScript.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace velmora {
 
@@ -26,7 +28,8 @@ TunnelManager::TunnelManager(Platform platform)
     : platform_(std::move(platform)),
       keychain_(platform_.credentials),
       storageURL_(platform_.paths.applicationSupport / "Velmora" / "hosts.json"),
-      logDir_(platform_.paths.library / "Logs" / "Velmora") {
+      logDir_(platform_.paths.library / "Logs" / "Velmora"),
+      folderSync_(platform_.scheduler, platform_.defaults) {
     removeAbandonedAskpassScripts(platform_.paths.temporary);
     loadSettings();
     std::ignore = createPrivateDirectory(storageURL_.parent_path());  // silent: the program works without
@@ -42,6 +45,7 @@ TunnelManager::TunnelManager(Platform platform)
         TunnelPlaces{platform_.sshProgram, platform_.paths.home, logDir_, platform_.paths.temporary});
     loadHosts();
     connectStartupHosts();
+    startSharing();
 }
 
 TunnelManager::~TunnelManager() = default;
@@ -77,12 +81,58 @@ void TunnelManager::connectStartupHosts() {
 }
 
 void TunnelManager::save() {
+    writeHostsFile();
+    if (!isReceivingFolderUpdate_) {
+        folderSync_.push(hosts_.get());
+    }
+}
+
+void TunnelManager::writeHostsFile() {
     const auto json = encodeHosts(hosts_.get());
     if (!json) {
         return;  // silent: the list in memory and the file stay as they are
     }
     keepUnreadableHostsFile();
     std::ignore = writeFileAtomically(storageURL_, *json);  // silent: the list in memory stays
+}
+
+/// The shared list wins over the local one, whose start-up hosts are connected already.
+void TunnelManager::startSharing() {
+    folderSync_.setOnChange([this](std::vector<SSHHost> incoming) { applyFolderHosts(std::move(incoming)); });
+    if (auto shared = folderSync_.pull()) {
+        keepReplacedHosts(storageURL_, hosts_.get(), *shared, platform_.scheduler.now());
+        hosts_.set(*std::move(shared));
+    }
+    folderSync_.startPollingIfEnabled();
+}
+
+/// Hosts in both lists run on with what they were started with.
+void TunnelManager::applyFolderHosts(std::vector<SSHHost> incoming) {
+    isReceivingFolderUpdate_ = true;
+    keepReplacedHosts(storageURL_, hosts_.get(), incoming, platform_.scheduler.now());
+    for (const auto& id : removedIds(hosts_.get(), incoming)) {
+        if (const auto* host = findHost(id)) {
+            disconnect(SSHHost(*host));
+        }
+    }
+    hosts_.set(std::move(incoming));
+    writeHostsFile();
+    isReceivingFolderUpdate_ = false;
+}
+
+HostListAccess TunnelManager::hostListAccess() {
+    return {.hosts = [this]() -> const std::vector<SSHHost>& { return hosts_.get(); },
+            .append =
+                [this](std::vector<SSHHost> added) {
+                    hosts_.edit([&](std::vector<SSHHost>& hosts) {
+                        std::move(added.begin(), added.end(), std::back_inserter(hosts));
+                    });
+                },
+            .save = [this] { save(); }};
+}
+
+ImportResult TunnelManager::importFromCoreTunnel(const std::filesystem::path& file) {
+    return velmora::importFromCoreTunnel(file, hostListAccess());
 }
 
 /// The file that could not be read at start may be all that the user has: its bytes are kept under another name before

@@ -11,6 +11,9 @@
 #include "platform/ProcessLauncher.h"
 #include "platform/ProcessRunner.h"
 #include "platform/Scheduler.h"
+#include "sync/FolderSync.h"
+#include "sync/ImportExportCommands.h"
+#include "sync/ImportResult.h"
 #include "tunnel/PortPlanning.h"
 #include "tunnel/TunnelEngine.h"
 
@@ -43,7 +46,7 @@ class TunnelManager final {
 public:
     using PortConflict = velmora::PortConflict;
 
-    /// Reads settings and hosts, and connects the hosts marked for start-up.
+    /// Reads settings and hosts, connects the hosts marked for start-up, and takes the shared folder's list.
     explicit TunnelManager(Platform platform);
     TunnelManager(const TunnelManager&) = delete;
     TunnelManager& operator=(const TunnelManager&) = delete;
@@ -54,7 +57,7 @@ public:
     [[nodiscard]] Observable<std::vector<SSHHost>>& hosts() { return hosts_; }
     [[nodiscard]] const Observable<std::vector<SSHHost>>& hosts() const { return hosts_; }
 
-    /// Writes the hosts file. A change of `hosts` by itself writes nothing. Errors are silent.
+    /// Writes the hosts file and the shared folder's. A change of `hosts` by itself writes nothing. Errors are silent.
     void save();
     /// Stops the host, forgets it, its status and its password, and saves.
     void deleteHost(const Uuid& id);
@@ -85,6 +88,14 @@ public:
         return velmora::portConflicts(host, hosts_.get());
     }
 
+    // ---- sharing, imports, backups ----
+
+    [[nodiscard]] FolderSync& folderSync() { return folderSync_; }
+    /// What the import and export commands work on. Valid as long as the manager.
+    [[nodiscard]] HostListAccess hostListAccess();
+    /// Adds the profiles of a Core Tunnel backup whose names are new, and saves. A bad file changes nothing.
+    ImportResult importFromCoreTunnel(const std::filesystem::path& file);
+
     // ---- passwords ----
 
     [[nodiscard]] KeychainStore& keychain() { return keychain_; }
@@ -108,6 +119,9 @@ private:
     void loadSettings();
     void loadHosts();
     void connectStartupHosts();
+    void startSharing();
+    void applyFolderHosts(std::vector<SSHHost> incoming);
+    void writeHostsFile();
     void keepUnreadableHostsFile();
     [[nodiscard]] SshSettings sshSettings() const;
     [[nodiscard]] Environment resolvedEnvironment();
@@ -125,6 +139,8 @@ private:
     Observable<std::string> proxyExceptions_;
 
     std::unique_ptr<TunnelEngine> engine_;
+    FolderSync folderSync_;
+    bool isReceivingFolderUpdate_ = false;  ///< what comes from the folder is not pushed back
 };
 
 }  // namespace velmora
