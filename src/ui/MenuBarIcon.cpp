@@ -72,10 +72,10 @@ void MenuBarIcon::refresh() {
     const Counts counts = countStates(manager_);
     const bool anyActive =
         count(counts, ConnectionStatus::State::connecting) > 0 || count(counts, ConnectionStatus::State::connected) > 0;
-    const QString symbol = anyActive ? QStringLiteral("network") : QStringLiteral("network-slash");
-    if (symbol != symbol_) {
-        symbol_ = symbol;
-        tray_.setIcon(icon(symbol, kind_));
+    const QString drawing = anyActive ? QStringLiteral("network") : QStringLiteral("network-slash");
+    if (drawing != symbol_) {
+        symbol_ = drawing;
+        tray_.setIcon(icon(drawing, kind_));
     }
     if (const QString words = summary(counts); words != tray_.toolTip()) {
         tray_.setToolTip(words);

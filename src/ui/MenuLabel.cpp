@@ -2,6 +2,9 @@
 
 #include <QTextBoundaryFinder>
 
+#include <algorithm>
+#include <utility>
+
 namespace velmora {
 
 namespace {
@@ -51,11 +54,7 @@ QString exportedLabel(QString label) {
 
 QString oneLine(std::string_view text) {
     QString line = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-    for (QChar& character : line) {
-        if (breaksLine(character)) {
-            character = QLatin1Char(' ');
-        }
-    }
+    std::replace_if(line.begin(), line.end(), breaksLine, QLatin1Char(' '));
     return line.trimmed();
 }
 

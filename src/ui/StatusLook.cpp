@@ -75,9 +75,9 @@ QColor statusColor(State state) {
 
 StatusDots::StatusDots() {
     for (const State state : {State::disconnected, State::connecting, State::connected, State::error}) {
-        QIcon& icon = icons_[static_cast<std::size_t>(state)];
-        icon.addPixmap(dot(state, 1));
-        icon.addPixmap(dot(state, 2));
+        QIcon& both = icons_[static_cast<std::size_t>(state)];
+        both.addPixmap(dot(state, 1));
+        both.addPixmap(dot(state, 2));
     }
 }
 
