@@ -1,10 +1,15 @@
 #include "base/Text.h"
 
+#include <unicode/ubrk.h>
+#include <unicode/ucasemap.h>
 #include <unicode/uchar.h>
+#include <unicode/utext.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 namespace velmora {
 
@@ -76,7 +81,100 @@ std::size_t asciiPrefix(std::string_view text) {
     return i;
 }
 
+/// Says no to nearly every character of a usual text.
+bool mayBeginNewline(char c) {
+    constexpr unsigned char carriageReturn = '\r';
+    const auto byte = static_cast<unsigned char>(c);
+    return byte <= carriageReturn || byte >= 0x80;
+}
+
+/// How many bytes the newline takes that stands at `i`; 0 where none does.
+std::size_t newlineLength(std::string_view text, std::size_t i) {
+    switch (text[i]) {
+        case '\r':
+            return i + 1 < text.size() && text[i + 1] == '\n' ? 2 : 1;
+        case '\n':
+        case '\v':
+        case '\f':
+            return 1;
+        case '\xC2':
+            return text.substr(i).starts_with("\xC2\x85") ? 2 : 0;
+        case '\xE2': {
+            const auto rest = text.substr(i);
+            return rest.starts_with("\xE2\x80\xA8") || rest.starts_with("\xE2\x80\xA9") ? 3 : 0;
+        }
+        default:
+            return 0;
+    }
+}
+
+template <typename Take>
+void forEachLine(std::string_view text, Take take) {
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto length = mayBeginNewline(text[i]) ? newlineLength(text, i) : 0;
+        if (length == 0) {
+            ++i;
+            continue;
+        }
+        take(text.substr(begin, i - begin));
+        i += length;
+        begin = i;
+    }
+    take(text.substr(begin));
+}
+
+struct Closer {
+    void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }
+    void operator()(UCaseMap* map) const { ucasemap_close(map); }
+    void operator()(UText* text) const { utext_close(text); }
+};
+
+/// Opening one costs more than counting a text with it, so each thread keeps its own.
+UBreakIterator* characterIterator() {
+    thread_local const std::unique_ptr<UBreakIterator, Closer> iterator = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        return std::unique_ptr<UBreakIterator, Closer>(ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status));
+    }();
+    return iterator.get();
+}
+
+template <typename Take>
+void forEachAsciiCharacter(std::string_view text, Take take) {
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = text.substr(i).starts_with("\r\n") ? 2 : 1;
+        take(text.substr(i, length));
+        i += length;
+    }
+}
+
+template <typename Take>
+void forEachCharacter(std::string_view text, Take take) {
+    auto* iterator = isAscii(text) ? nullptr : characterIterator();
+    if (iterator == nullptr) {
+        forEachAsciiCharacter(text, take);
+        return;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    UText storage = UTEXT_INITIALIZER;
+    const std::unique_ptr<UText, Closer> utext(
+        utext_openUTF8(&storage, text.data(), static_cast<std::int64_t>(text.size()), &status));
+    ubrk_setUText(iterator, utext.get(), &status);
+    std::size_t begin = 0;
+    for (auto end = ubrk_next(iterator); end != UBRK_DONE; end = ubrk_next(iterator)) {
+        const auto next = static_cast<std::size_t>(end);
+        take(text.substr(begin, next - begin));
+        begin = next;
+    }
+}
+
 }  // namespace
+
+bool isAscii(std::string_view text) {
+    const auto prefix = asciiPrefix(text);
+    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(prefix), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
 
 bool isValidUtf8(std::string_view text) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
@@ -107,11 +205,11 @@ bool startsWithNumber(std::string_view text) {
 }
 
 std::string_view trimWhitespace(std::string_view text) {
-    return trim(text, isWhitespace);
+    return trim(text, [](UChar32 c) { return isWhitespace(c); });
 }
 
 std::string_view trimWhitespaceAndNewlines(std::string_view text) {
-    return trim(text, isWhitespaceOrNewline);
+    return trim(text, [](UChar32 c) { return isWhitespaceOrNewline(c); });
 }
 
 std::vector<std::string_view> split(std::string_view text, char separator) {
@@ -126,6 +224,23 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     }
 }
 
+std::vector<std::string_view> lines(std::string_view text) {
+    std::vector<std::string_view> pieces;
+    forEachLine(text, [&](std::string_view line) { pieces.push_back(line); });
+    return pieces;
+}
+
+std::vector<std::string_view> listItems(std::string_view text) {
+    std::vector<std::string_view> items;
+    items.reserve(static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1);
+    forEachLine(text, [&](std::string_view line) {
+        if (const auto item = trimWhitespace(line); !item.empty()) {
+            items.push_back(item);
+        }
+    });
+    return items;
+}
+
 std::string join(const std::vector<std::string>& pieces, std::string_view separator) {
     std::string joined;
     for (const auto& piece : pieces) {
@@ -135,6 +250,52 @@ std::string join(const std::vector<std::string>& pieces, std::string_view separa
         joined += piece;
     }
     return joined;
+}
+
+std::vector<std::string_view> characters(std::string_view text) {
+    std::vector<std::string_view> all;
+    forEachCharacter(text, [&](std::string_view character) { all.push_back(character); });
+    return all;
+}
+
+std::size_t characterCount(std::string_view text) {
+    std::size_t count = 0;
+    forEachCharacter(text, [&](std::string_view) { ++count; });
+    return count;
+}
+
+bool isNumeric(std::string_view character) {
+    if (character.empty()) {
+        return false;
+    }
+    std::size_t next = 0;
+    UChar32 c = 0;
+    U8_NEXT(reinterpret_cast<const std::uint8_t*>(character.data()), next, character.size(), c);
+    return c >= 0 && u_getIntPropertyValue(c, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
+}
+
+std::string lowercased(std::string_view text) {
+    std::string result(text);
+    if (isAscii(text)) {
+        std::ranges::transform(result, result.begin(),
+                               [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+        return result;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UCaseMap, Closer> map(ucasemap_open("", 0, &status));
+    const auto write = [&] {
+        status = U_ZERO_ERROR;
+        return static_cast<std::size_t>(ucasemap_utf8ToLower(map.get(), result.data(),
+                                                             static_cast<std::int32_t>(result.size()), text.data(),
+                                                             static_cast<std::int32_t>(text.size()), &status));
+    };
+    auto size = write();
+    if (status == U_BUFFER_OVERFLOW_ERROR) {
+        result.resize(size);
+        size = write();
+    }
+    result.resize(size);
+    return result;
 }
 
 }  // namespace velmora
