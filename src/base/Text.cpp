@@ -194,16 +194,6 @@ bool isValidUtf8(std::string_view text) {
     return true;
 }
 
-bool startsWithNumber(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    std::size_t next = 0;
-    UChar32 c = U_SENTINEL;
-    if (!text.empty()) {
-        U8_NEXT(bytes, next, text.size(), c);
-    }
-    return c >= 0 && u_getIntPropertyValue(c, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
-}
-
 std::string_view trimWhitespace(std::string_view text) {
     return trim(text, [](UChar32 c) { return isWhitespace(c); });
 }

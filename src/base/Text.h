@@ -14,9 +14,6 @@ namespace velmora {
 [[nodiscard]] bool isValidUtf8(std::string_view text);
 [[nodiscard]] bool isAscii(std::string_view text);
 
-/// Whether the first character stands for a number, in any script: a digit, a fraction, an ideograph of one.
-[[nodiscard]] bool startsWithNumber(std::string_view text);
-
 /// Without white space at both ends; newlines stay.
 [[nodiscard]] std::string_view trimWhitespace(std::string_view text);
 

@@ -158,7 +158,8 @@ ForwardingRule convertRule(const Forwarding& forwarding) {
 
 /// Neither a name with dots nor an address: something that the user's ssh configuration explains.
 bool isAlias(std::string_view address) {
-    return !address.empty() && address.find_first_of(".:") == std::string_view::npos && !startsWithNumber(address);
+    return !address.empty() && address.find_first_of(".:") == std::string_view::npos &&
+           !isNumeric(characters(address).front());
 }
 
 /// A whole decimal number of 64 bits, with or without a sign.
