@@ -24,9 +24,14 @@ target_compile_definitions(
             QT_NO_CONTEXTLESS_CONNECT
             BOOST_ASIO_NO_DEPRECATED
             BOOST_ASIO_DISABLE_BOOST_COROUTINE)
+if(VELMORA_SANITIZE MATCHES thread)
+  # ThreadSanitizer does not know fences; the locks around them order the same things.
+  target_compile_definitions(velmora_flags INTERFACE BOOST_ASIO_DISABLE_FENCED_BLOCK)
+endif()
 if(VELMORA_SANITIZE)
+  # Without the check of objects' types: it opens a pipe to look at them, and takes a lack of descriptors for a wrong one.
   target_compile_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer
-                                                 -fno-sanitize-recover=all)
+                                                 -fno-sanitize-recover=all -fno-sanitize=vptr)
   target_link_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE})
 endif()
 

@@ -54,7 +54,8 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
                            .credentials = *credentials,
                            .defaults = *defaults,
                            .environment = currentEnvironment(),
-                           .sshProgram = options.sshProgram});
+                           .sshProgram = options.sshProgram,
+                           .pacPort = options.pacPort});
 
     const auto tray = makeTrayWatcher();
     const auto policy = makeActivationPolicy();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace velmora {
@@ -7,6 +8,7 @@ namespace velmora {
 /// What a program that is not the real one may want otherwise.
 struct ProgramOptions {
     std::string sshProgram = "/usr/bin/ssh";
+    std::uint16_t pacPort = 18087;  ///< 0 is any free port
 };
 
 /// The whole program: puts the parts together, runs, and returns the exit status.

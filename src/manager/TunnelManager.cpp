@@ -3,6 +3,9 @@
 #include "base/AtomicFile.h"
 #include "base/Text.h"
 #include "model/HostJson.h"
+#include "pac/PacGenerator.h"
+#include "pac/PacImporter.h"
+#include "pac/ProxyExceptions.h"
 #include "sync/ReplacedHosts.h"
 #include "tunnel/AskpassScript.h"
 
@@ -27,6 +30,7 @@ constexpr std::string_view proxyExceptions = "proxyExceptions";
 TunnelManager::TunnelManager(Platform platform)
     : platform_(std::move(platform)),
       keychain_(platform_.credentials),
+      pacServer_(platform_.pacPort),
       storageURL_(platform_.paths.applicationSupport / "Velmora" / "hosts.json"),
       logDir_(platform_.paths.library / "Logs" / "Velmora"),
       folderSync_(platform_.scheduler, platform_.defaults) {
@@ -45,6 +49,7 @@ TunnelManager::TunnelManager(Platform platform)
         TunnelPlaces{platform_.sshProgram, platform_.paths.home, logDir_, platform_.paths.temporary});
     loadHosts();
     connectStartupHosts();
+    startServingPac();
     startSharing();
 }
 
@@ -94,6 +99,52 @@ void TunnelManager::writeHostsFile() {
     }
     keepUnreadableHostsFile();
     std::ignore = writeFileAtomically(storageURL_, *json);  // silent: the list in memory stays
+}
+
+void TunnelManager::startServingPac() {
+    pacServer_.start();
+    cancellables_.push_back(hosts_.subscribe(
+        [this](const std::vector<SSHHost>& hosts) { followHostsAndExceptions(hosts, proxyExceptions_.get()); }));
+    cancellables_.push_back(proxyExceptions_.subscribe(
+        [this](const std::string& exceptions) { followHostsAndExceptions(hosts_.get(), exceptions); }));
+}
+
+void TunnelManager::followHostsAndExceptions(const std::vector<SSHHost>& hosts, const std::string& exceptions) {
+    if (!pacServer_.isCustom()) {
+        pacServer_.setContent(PacGenerator::generate(hosts, parseExceptions(exceptions)));
+    }
+}
+
+void TunnelManager::addProxyException(std::string_view entry) {
+    if (auto exceptions = velmora::addProxyException(proxyExceptions_.get(), entry)) {
+        setProxyExceptions(*std::move(exceptions));
+    }
+}
+
+std::string TunnelManager::regeneratePac() {
+    auto text = PacGenerator::generate(hosts_.get(), parseExceptions(proxyExceptions_.get()));
+    pacServer_.setContent(text);
+    pacServer_.setCustom(false);
+    return text;
+}
+
+void TunnelManager::applyPac(const std::string& edited) {
+    pacServer_.setCustom(true);  // first, so that the new exceptions do not regenerate over the edit
+    pacServer_.setContent(edited);
+    const auto exceptions = directPatterns(edited);
+    setProxyExceptions(join(exceptions, "\n"));
+    pacServer_.setCustom(PacServer::isHandEdit(edited, PacGenerator::generate(hosts_.get(), exceptions)));
+}
+
+std::size_t TunnelManager::importPacPatterns(const std::filesystem::path& file) {
+    const auto entries = PacImporter::parse(PacImporter::readScript(file));
+    auto hosts = hosts_.get();
+    const auto additions = PacImporter::addPatterns(entries, hosts);
+    if (additions > 0) {
+        hosts_.set(std::move(hosts));
+        save();
+    }
+    return additions;
 }
 
 /// The shared list wins over the local one, whose start-up hosts are connected already.

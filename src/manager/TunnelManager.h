@@ -5,6 +5,7 @@
 #include "manager/KeychainStore.h"
 #include "model/ConnectionStatus.h"
 #include "model/SSHHost.h"
+#include "pac/PacServer.h"
 #include "platform/CredentialStore.h"
 #include "platform/DefaultsStore.h"
 #include "platform/Paths.h"
@@ -24,6 +25,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velmora {
@@ -38,6 +40,7 @@ struct Platform {
     DefaultsStore& defaults;
     Environment environment;  ///< the application's own
     std::string sshProgram = "/usr/bin/ssh";
+    std::uint16_t pacPort = 18087;
 };
 
 /// The one controller that the windows talk to: owns the hosts, the settings and the tunnels. Lives from launch to
@@ -88,6 +91,20 @@ public:
         return velmora::portConflicts(host, hosts_.get());
     }
 
+    // ---- the proxy script ----
+
+    [[nodiscard]] PacServer& pacServer() { return pacServer_; }
+    /// Adds a host that bypasses every proxy, in its bare form, unless the list has it.
+    void addProxyException(std::string_view entry);
+    /// Serves what the hosts and the exceptions give, and keeps doing so. Returns the text.
+    std::string regeneratePac();
+    /// Serves an edited text, and takes its DIRECT lines as the new list of exceptions. Unless the text is what the
+    /// hosts give anyway, it is served until `regeneratePac`.
+    void applyPac(const std::string& edited);
+    /// Adds the patterns of somebody's script to the Dynamic rules on the same ports, and saves if there are new ones.
+    /// Returns how many were added.
+    std::size_t importPacPatterns(const std::filesystem::path& file);
+
     // ---- sharing, imports, backups ----
 
     [[nodiscard]] FolderSync& folderSync() { return folderSync_; }
@@ -119,6 +136,8 @@ private:
     void loadSettings();
     void loadHosts();
     void connectStartupHosts();
+    void startServingPac();
+    void followHostsAndExceptions(const std::vector<SSHHost>& hosts, const std::string& exceptions);
     void startSharing();
     void applyFolderHosts(std::vector<SSHHost> incoming);
     void writeHostsFile();
@@ -128,6 +147,7 @@ private:
 
     Platform platform_;
     KeychainStore keychain_;
+    PacServer pacServer_;
     std::filesystem::path storageURL_;
     std::filesystem::path logDir_;
     bool hostsFileUnreadable_ = false;
@@ -141,6 +161,7 @@ private:
     std::unique_ptr<TunnelEngine> engine_;
     FolderSync folderSync_;
     bool isReceivingFolderUpdate_ = false;  ///< what comes from the folder is not pushed back
+    std::vector<Subscription> cancellables_;
 };
 
 }  // namespace velmora

@@ -59,7 +59,8 @@ TunnelStand::TunnelStand(CredentialStore& credentials) : launcher_(std::make_uni
                                                         .runner = runner_,
                                                         .credentials = credentials,
                                                         .defaults = defaults_,
-                                                        .environment = plainEnvironment(paths)});
+                                                        .environment = plainEnvironment(paths),
+                                                        .pacPort = 0});
 }
 
 TunnelStand::~TunnelStand() {

@@ -40,6 +40,7 @@ protected:
             .credentials = credentials_,
             .defaults = defaults_,
             .environment = {{"SSH_AUTH_SOCK", "/agent"}},
+            .pacPort = 0,
         });
         return *manager_;
     }

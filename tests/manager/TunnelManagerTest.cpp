@@ -38,6 +38,7 @@ protected:
             .credentials = credentials_,
             .defaults = defaults_,
             .environment = environment_,
+            .pacPort = 0,
         });
         return *manager_;
     }

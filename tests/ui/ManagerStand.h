@@ -62,7 +62,8 @@ public:
                                    .launcher = launcher,
                                    .runner = runner,
                                    .credentials = credentials,
-                                   .defaults = defaults}};
+                                   .defaults = defaults,
+                                   .pacPort = 0}};
 };
 
 }  // namespace velmora

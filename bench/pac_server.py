@@ -1,0 +1,175 @@
+#!/usr/bin/env python3
+"""Compares the PAC server with nginx, in one run: requests a second with a new connection each, processor time a
+request, both again with idle connections held open, and the memory that those take.
+
+    pac_server.py DIRECTORY_OF_PROGRAMS [rounds] [requests]
+
+Takes the middle value of the rounds, in which the servers take turns. Needs pacserve, pacload and nginx."""
+import os
+import pathlib
+import resource
+import socket
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+IDLE = 5000
+AT_ONCE = 50
+TICKS = os.sysconf("SC_CLK_TCK")
+
+NGINX = """
+daemon off;
+master_process off;
+worker_processes 1;
+pid {directory}/nginx.pid;
+error_log {directory}/error.log crit;
+worker_rlimit_nofile 20000;
+events {{ worker_connections 16384; {events} }}
+http {{
+    access_log off;
+    keepalive_timeout 0;
+    client_header_timeout 3600;
+    client_body_temp_path {directory}/body;
+    proxy_temp_path {directory}/proxy;
+    fastcgi_temp_path {directory}/fastcgi;
+    uwsgi_temp_path {directory}/uwsgi;
+    scgi_temp_path {directory}/scgi;
+    sendfile on;
+    open_file_cache max=10;
+    types {{ application/x-ns-proxy-autoconfig pac; }}
+    server {{ listen {port} backlog=4096; listen [::]:{port} backlog=4096; {location} }}
+}}
+"""
+
+
+def script():
+    lines = ["function FindProxyForURL(url, host) {"]
+    lines += [f'    if (shExpMatch(host, "*.site{i}.example")) return "SOCKS5 127.0.0.1:{21000 + i % 20}"; // Site {i}'
+              for i in range(20)]
+    return "\n".join(lines + ['    return "DIRECT";', "}"])
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class Server:
+    def __init__(self, name, arguments, port=None):
+        self.name = name
+        self.process = subprocess.Popen(arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.port = port or int(self.process.stdout.readline())
+        self.rates, self.costs, self.idle_rates, self.idle_costs = [], [], [], []
+        for _ in range(200):
+            try:
+                socket.create_connection(("127.0.0.1", self.port)).close()
+                break
+            except ConnectionRefusedError:
+                time.sleep(0.02)
+
+    def processor_time(self):
+        fields = pathlib.Path(f"/proc/{self.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / TICKS
+
+    def memory(self):
+        rollup = pathlib.Path(f"/proc/{self.process.pid}/smaps_rollup").read_text().splitlines()
+        values = {line.split(":")[0]: int(line.split()[1]) for line in rollup[1:]}
+        return values["Pss"], values["Private_Dirty"]
+
+    def fetch(self):
+        with socket.create_connection(("127.0.0.1", self.port)) as client:
+            client.sendall(b"GET /proxy.pac HTTP/1.1\r\nHost: a\r\n\r\n")
+            return b"".join(iter(lambda: client.recv(65536), b"")).partition(b"\r\n\r\n")[2]
+
+    def measure(self, load, requests, rates, costs):
+        before = self.processor_time()
+        rate = float(subprocess.check_output([load, str(self.port), str(requests), str(AT_ONCE)], text=True))
+        rates.append(rate)
+        costs.append((self.processor_time() - before) / requests * 1e6)
+
+    def stop(self):
+        self.process.stdin.close()
+        if self.name != "velmora":
+            self.process.terminate()
+        self.process.wait()
+
+
+def main():
+    programs = pathlib.Path(sys.argv[1])
+    rounds = int(sys.argv[2]) if len(sys.argv) > 2 else 9
+    requests = int(sys.argv[3]) if len(sys.argv) > 3 else 40000
+    hard = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
+    resource.setrlimit(resource.RLIMIT_NOFILE, (hard, hard))
+    load = programs / "pacload"
+
+    with tempfile.TemporaryDirectory() as directory:
+        os.chmod(directory, 0o755)
+        body = pathlib.Path(directory, "proxy.pac")
+        body.write_text(script())
+
+        def nginx(name, location, events=""):
+            port = free_port()
+            config = pathlib.Path(directory, name + ".conf")
+            config.write_text(NGINX.format(directory=directory, port=port, location=location, events=events))
+            return Server(name, ["nginx", "-c", str(config), "-e", f"{directory}/error.log"], port)
+
+        text = script().replace("\\", "\\\\").replace("'", "\\'")
+        from_memory = f"location / {{ default_type application/x-ns-proxy-autoconfig; return 200 '{text}'; }}"
+        servers = [
+            Server("velmora", [programs / "pacserve", "0", body]),
+            nginx("nginx-file", f"root {directory};"),
+            nginx("nginx-memory", from_memory),
+            nginx("nginx-multi", from_memory, "multi_accept on;"),
+        ]
+        try:
+            compare(servers, load, rounds, requests)
+        finally:
+            for server in servers:
+                server.stop()
+
+
+def compare(servers, load, rounds, requests):
+    ours = servers[0]
+    bodies = {server.fetch() for server in servers}
+    assert bodies == {script().encode()}, "the servers do not serve the same bytes"
+    for server in servers:
+        server.measure(load, requests // 4, [], [])  # warms up
+
+    for number in range(rounds):
+        for server in servers[number % len(servers):] + servers[:number % len(servers)]:
+            server.measure(load, requests, server.rates, server.costs)
+
+    before = ours.memory()
+    idle = [socket.create_connection(("127.0.0.1", ours.port)) for _ in range(IDLE)]
+    time.sleep(1)
+    after = ours.memory()
+    for _ in range(rounds):
+        ours.measure(load, requests, ours.idle_rates, ours.idle_costs)
+        for client in idle:
+            client.close()
+        time.sleep(0.5)
+        ours.measure(load, requests, ours.rates, ours.costs)
+        idle = [socket.create_connection(("127.0.0.1", ours.port)) for _ in range(IDLE)]
+        time.sleep(0.5)
+    for client in idle:
+        client.close()
+
+    middle = statistics.median
+    print(f"{rounds} rounds of {requests} requests, {AT_ONCE} at once, {len(script())} bytes")
+    for server in servers:
+        half = server.rates[:rounds], server.costs[:rounds]
+        line = f"{server.name:13} {middle(half[0]):8.0f} requests/s  {middle(half[1]):6.1f} us/request"
+        if server is not ours:
+            line += (f"   ours: rate x{middle(ours.rates[:rounds]) / middle(half[0]):.3f}"
+                     f"  processor x{middle(ours.costs[:rounds]) / middle(half[1]):.3f}")
+        print(line)
+    print(f"with {IDLE} idle: {middle(ours.idle_rates):.0f} requests/s, x{middle(ours.idle_rates) / middle(ours.rates[rounds:]):.3f}"
+          f" of {middle(ours.rates[rounds:]):.0f} without; {middle(ours.idle_costs):.1f} us/request")
+    print(f"memory of {IDLE} idle connections: PSS +{after[0] - before[0]} kB, private dirty +{after[1] - before[1]} kB")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,75 @@
+#include "pac/ClosingConnections.h"
+
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+/// A client that still sends gets this long, and this much, until it is cut off.
+constexpr std::chrono::seconds patience{2};
+constexpr std::size_t patienceBytes = 8 * 1024 * 1024;
+
+/// Between two looks: at first, and at most while nothing happens.
+constexpr std::chrono::milliseconds firstPause{20};
+constexpr std::chrono::milliseconds longestPause{320};
+
+}  // namespace
+
+void ClosingConnections::add(UniqueFd socket) {
+    connections_.push_back({std::move(socket), Clock::now() + patience});
+    pause_ = firstPause;
+    lookLater();
+}
+
+bool ClosingConnections::makeRoom() {
+    if (connections_.empty()) {
+        return false;
+    }
+    const auto before = connections_.size();
+    closeDone();
+    if (connections_.size() == before) {
+        connections_.erase(connections_.begin());
+    }
+    return true;
+}
+
+bool ClosingConnections::isDone(Connection& connection, Clock::time_point now) {
+    while (connection.drained < patienceBytes) {
+        const auto size = ::recv(connection.socket.get(), scratch_.data(), scratch_.size(), 0);
+        if (size <= 0) {
+            const bool open = size < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
+            return !open || connection.deadline <= now;
+        }
+        connection.drained += static_cast<std::size_t>(size);
+        pause_ = firstPause;
+    }
+    return true;
+}
+
+void ClosingConnections::closeDone() {
+    const auto now = Clock::now();
+    std::erase_if(connections_, [&](Connection& connection) { return isDone(connection, now); });
+}
+
+void ClosingConnections::lookLater() {
+    if (timerRuns_) {
+        return;
+    }
+    timerRuns_ = true;
+    timer_.expires_after(pause_);
+    timer_.async_wait([this](const boost::system::error_code&) {
+        timerRuns_ = false;
+        pause_ = std::min(pause_ * 2, longestPause);
+        closeDone();
+        if (!connections_.empty()) {
+            lookLater();
+        }
+    });
+}
+
+}  // namespace velmora

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "base/UniqueFd.h"
+
+#include <boost/asio/basic_waitable_timer.hpp>
+#include <boost/asio/io_context.hpp>
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <vector>
+
+namespace velmora {
+
+/// Connections that have their answer and whose send side is shut. They are kept until the client closes its side,
+/// because a reset in answer to what it still sends might cost it the answer, but not for ever.
+///
+/// Nearly every client closes at once, so these are looked at now and then, which costs less than being told about
+/// each; and when there are none, nothing wakes up. All on the thread of the executor.
+class ClosingConnections final {
+public:
+    using Executor = boost::asio::io_context::executor_type;
+
+    explicit ClosingConnections(const Executor& executor) : timer_(executor) {}
+
+    /// The socket does not wait.
+    void add(UniqueFd socket);
+
+    /// Closes those that can be closed, or else the oldest. False when there is none.
+    [[nodiscard]] bool makeRoom();
+
+private:
+    using Clock = std::chrono::steady_clock;
+    using Timer = boost::asio::basic_waitable_timer<Clock, boost::asio::wait_traits<Clock>, Executor>;
+
+    struct Connection {
+        UniqueFd socket;
+        Clock::time_point deadline;
+        std::size_t drained = 0;
+    };
+
+    [[nodiscard]] bool isDone(Connection& connection, Clock::time_point now);
+    void closeDone();
+    void lookLater();
+
+    Timer timer_;
+    bool timerRuns_ = false;
+    std::chrono::milliseconds pause_{};
+    std::vector<Connection> connections_;  // oldest first
+    std::array<std::byte, 65'536> scratch_;
+};
+
+}  // namespace velmora
