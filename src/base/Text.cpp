@@ -30,6 +30,12 @@ bool isWhitespaceOrNewline(UChar32 c) {
     return isWhitespace(c) || isNewline(c);
 }
 
+/// Whether the byte is an ASCII character that no trimming drops: what most texts begin and end with.
+bool isPlain(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte > ' ' && byte < 0x80;
+}
+
 /// Where the last character before `end` begins. (ICU walks backwards in 32-bit offsets only.)
 std::size_t lastCharacter(const std::uint8_t* bytes, std::size_t begin, std::size_t end) {
     std::size_t position = end - 1;
@@ -41,6 +47,9 @@ std::size_t lastCharacter(const std::uint8_t* bytes, std::size_t begin, std::siz
 
 template <typename Predicate>
 std::string_view trim(std::string_view text, Predicate drops) {
+    if (!text.empty() && isPlain(text.front()) && isPlain(text.back())) {
+        return text;
+    }
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     std::size_t begin = 0;
     std::size_t end = text.size();
@@ -81,11 +90,20 @@ std::size_t asciiPrefix(std::string_view text) {
     return i;
 }
 
-/// Says no to nearly every character of a usual text.
-bool mayBeginNewline(char c) {
-    constexpr unsigned char carriageReturn = '\r';
-    const auto byte = static_cast<unsigned char>(c);
-    return byte <= carriageReturn || byte >= 0x80;
+/// How many bytes from `i` on hold no newline for sure: a multiple of eight, found eight at a time.
+std::size_t newlineFreeBytes(std::string_view text, std::size_t i) {
+    constexpr std::uint64_t ones = 0x0101010101010101U;
+    constexpr std::uint64_t highBits = ones << 7U;
+    constexpr std::uint64_t aboveNewlines = ones * ('\r' + 1);
+    const std::size_t begin = i;
+    for (std::uint64_t word = 0; i + sizeof word <= text.size(); i += sizeof word) {
+        std::memcpy(&word, text.data() + i, sizeof word);
+        // The high bit of a byte is set here when the byte is not ASCII, or when it is as low as the newlines.
+        if ((((word - aboveNewlines) | word) & highBits) != 0) {
+            break;
+        }
+    }
+    return i - begin;
 }
 
 /// How many bytes the newline takes that stands at `i`; 0 where none does.
@@ -111,15 +129,15 @@ std::size_t newlineLength(std::string_view text, std::size_t i) {
 template <typename Take>
 void forEachLine(std::string_view text, Take take) {
     std::size_t begin = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        const auto length = mayBeginNewline(text[i]) ? newlineLength(text, i) : 0;
+    for (std::size_t i = newlineFreeBytes(text, 0); i < text.size();) {
+        const auto length = newlineLength(text, i);
         if (length == 0) {
             ++i;
             continue;
         }
         take(text.substr(begin, i - begin));
-        i += length;
-        begin = i;
+        begin = i + length;
+        i = begin + newlineFreeBytes(text, begin);
     }
     take(text.substr(begin));
 }
@@ -171,9 +189,11 @@ void forEachCharacter(std::string_view text, Take take) {
 }  // namespace
 
 bool isAscii(std::string_view text) {
-    const auto prefix = asciiPrefix(text);
-    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(prefix), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    unsigned char seen = 0;
+    for (const char c : text.substr(asciiPrefix(text))) {
+        seen |= static_cast<unsigned char>(c);
+    }
+    return seen < 0x80;
 }
 
 bool isValidUtf8(std::string_view text) {
@@ -222,7 +242,8 @@ std::vector<std::string_view> lines(std::string_view text) {
 
 std::vector<std::string_view> listItems(std::string_view text) {
     std::vector<std::string_view> items;
-    items.reserve(static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1);
+    constexpr std::size_t usualLength = 16;
+    items.reserve(text.size() / usualLength + 1);
     forEachLine(text, [&](std::string_view line) {
         if (const auto item = trimWhitespace(line); !item.empty()) {
             items.push_back(item);

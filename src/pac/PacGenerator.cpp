@@ -8,6 +8,7 @@
 #include <deque>
 #include <map>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace velmora::PacGenerator {
@@ -44,10 +45,14 @@ Rank pack(Rank wildcardClass, Rank dots, Rank literals) {
 
 template <typename Characters, typename Character>
 Rank specificity(const Characters& pattern, Character wildcard, Character dot) {
-    const auto count = [&](Character wanted) { return static_cast<Rank>(std::ranges::count(pattern, wanted)); };
-    const auto wildcards = count(wildcard);
+    Rank wildcards = 0;
+    Rank dots = 0;
+    for (const auto& character : pattern) {
+        wildcards += character == wildcard ? 1 : 0;
+        dots += character == dot ? 1 : 0;
+    }
     const Rank wildcardClass = wildcards == 0 ? 0 : pattern.front() == wildcard ? 2 : 1;
-    return pack(wildcardClass, count(dot), pattern.size() - wildcards);
+    return pack(wildcardClass, dots, pattern.size() - wildcards);
 }
 
 /// Of a pattern that is not empty.
@@ -71,26 +76,26 @@ struct Line {
 struct Lines {
     std::deque<Line> all;
     std::vector<std::string> lineEnds;
-    std::map<Rank, std::size_t> positions;
+    std::unordered_map<Rank, std::size_t> positions;
 };
 
 /// The positions still hold the length of each rank's lines.
 Lines collect(const std::vector<SSHHost>& hosts) {
-    Lines lines;
+    Lines collected;
     for (const auto& host : hosts) {
         for (const auto& rule : host.forwardingRules) {
             if (rule.type != ForwardingType::dynamic || !rule.enabled || rule.bindPort <= 0) {
                 continue;
             }
-            const auto& end = lines.lineEnds.emplace_back(lineEnd(host, rule));
+            const auto& end = collected.lineEnds.emplace_back(lineEnd(host, rule));
             for (const auto pattern : listItems(rule.pacPatterns)) {
-                auto& length = lines.positions[specificity(pattern)];
+                auto& length = collected.positions[specificity(pattern)];
                 length += beforePattern.size() + pattern.size() + end.size();
-                lines.all.push_back({pattern, lines.lineEnds.size() - 1, &length});
+                collected.all.push_back({pattern, collected.lineEnds.size() - 1, &length});
             }
         }
     }
-    return lines;
+    return collected;
 }
 
 /// A text of known length, written at any place.
@@ -102,13 +107,13 @@ void put(std::string& script, std::size_t& position, std::string_view piece) {
 }  // namespace
 
 std::string generate(const std::vector<SSHHost>& hosts, const std::vector<std::string>& exceptions) {
-    auto lines = collect(hosts);
+    auto collected = collect(hosts);
     auto end = head.size();
     for (const auto& exception : exceptions) {
         end += beforePattern.size() + exception.size() + exceptionTail.size();
     }
-    for (auto& [rank, position] : lines.positions) {
-        end += std::exchange(position, end);
+    for (auto& [rank, position] : std::map(collected.positions.begin(), collected.positions.end())) {
+        end += std::exchange(collected.positions[rank], end);
     }
 
     std::string script(end + tail.size(), '\0');
@@ -119,10 +124,10 @@ std::string generate(const std::vector<SSHHost>& hosts, const std::vector<std::s
         put(script, begin, exception);
         put(script, begin, exceptionTail);
     }
-    for (const auto& line : lines.all) {
+    for (const auto& line : collected.all) {
         put(script, *line.position, beforePattern);
         put(script, *line.position, line.pattern);
-        put(script, *line.position, lines.lineEnds[line.rule]);
+        put(script, *line.position, collected.lineEnds[line.rule]);
     }
     put(script, end, tail);
     return script;
