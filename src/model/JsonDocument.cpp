@@ -28,8 +28,8 @@ Result<JsonDocument, Error> JsonDocument::parse(std::string_view text, std::size
     if (error) {
         return Error{"not JSON: " + error.message()};
     }
-    auto root = parser.release();
-    return JsonDocument(std::move(memory), std::move(root));
+    auto value = parser.release();
+    return JsonDocument(std::move(memory), std::move(value));
 }
 
 std::optional<std::string_view> stringFrom(const json::value& value) {
