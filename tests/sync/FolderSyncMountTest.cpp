@@ -19,8 +19,8 @@ class SmallFileSystem final {
 public:
     explicit SmallFileSystem(fs::path where) : where_(std::move(where)) {
         fs::create_directory(where_);
-        const int namespaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
-        mounted_ = ::unshare(namespaces) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+        mounted_ = mayMount() && ::unshare(CLONE_NEWNS) == 0 &&
+                   ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                    ::mount("none", where_.c_str(), "tmpfs", 0, "size=64k") == 0;
     }
     SmallFileSystem(const SmallFileSystem&) = delete;
@@ -33,6 +33,22 @@ public:
     }
 
 private:
+    /// Root may; anybody else becomes root of a user namespace of its own.
+    static bool mayMount() {
+        const auto user = ::geteuid();
+        const auto group = ::getegid();
+        if (user == 0) {
+            return true;
+        }
+        if (::unshare(CLONE_NEWUSER) != 0) {
+            return false;
+        }
+        writeContent("/proc/self/uid_map", "0 " + std::to_string(user) + " 1");
+        writeContent("/proc/self/setgroups", "deny");
+        writeContent("/proc/self/gid_map", "0 " + std::to_string(group) + " 1");
+        return ::geteuid() == 0;
+    }
+
     fs::path where_;
     bool mounted_ = false;
 };
