@@ -83,7 +83,7 @@ TEST(QtScheduler, RepeatsWithoutDrift) {
     int runs = 0;
     const auto start = Clock::now();
     const auto timer = scheduler.every(4ms, [&] { ++runs; });
-    ASSERT_TRUE(runUntil([&] { return runs == 10; }));
+    ASSERT_TRUE(runUntil([&] { return runs >= 10; }));
     EXPECT_GE(Clock::now() - start, 40ms);
 }
 
