@@ -1,13 +1,19 @@
-#import <AppKit/AppKit.h>
-
 #include "platform/macos/DockPolicy.h"
+
+#import <AppKit/AppKit.h>
 
 namespace velmora {
 
-void DockPolicy::setRegular() { [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular]; }
+void DockPolicy::setRegular() {
+    [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
+}
 
-void DockPolicy::setAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
+void DockPolicy::setAccessory() {
+    [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
+}
 
-void DockPolicy::activate() { [NSApp activateIgnoringOtherApps:YES]; }
+void DockPolicy::activate() {
+    [NSApp activateIgnoringOtherApps:YES];
+}
 
 }  // namespace velmora

@@ -10,7 +10,8 @@ typedef enum : long {
     NSApplicationActivationPolicyAccessory = 1,
 } NSApplicationActivationPolicy;
 
-__attribute__((objc_root_class)) @interface NSApplication
+__attribute__((objc_root_class))
+@interface NSApplication
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activateIgnoringOtherApps:(BOOL)flag;
 @end
