@@ -57,12 +57,36 @@ def free_port():
         return probe.getsockname()[1]
 
 
+class Figures:
+    def __init__(self):
+        self.rates, self.costs = [], []
+
+
+class Idle:
+    """Connections that are held open, or not."""
+
+    def __init__(self, port):
+        self.port = port
+        self.clients = []
+
+    def hold(self, held):
+        if held and not self.clients:
+            self.clients = [socket.create_connection(("127.0.0.1", self.port)) for _ in range(IDLE)]
+        elif not held and self.clients:
+            for client in self.clients:
+                client.close()
+            self.clients = []
+        else:
+            return
+        time.sleep(1)  # until the server has noticed
+
+
 class Server:
     def __init__(self, name, arguments, port=None):
         self.name = name
         self.process = subprocess.Popen(arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         self.port = port or int(self.process.stdout.readline())
-        self.rates, self.costs, self.idle_rates, self.idle_costs = [], [], [], []
+        self.figures = Figures()
         for _ in range(200):
             try:
                 socket.create_connection(("127.0.0.1", self.port)).close()
@@ -84,11 +108,11 @@ class Server:
             client.sendall(b"GET /proxy.pac HTTP/1.1\r\nHost: a\r\n\r\n")
             return b"".join(iter(lambda: client.recv(65536), b"")).partition(b"\r\n\r\n")[2]
 
-    def measure(self, load, requests, rates, costs):
+    def measure(self, load, requests, figures):
         before = self.processor_time()
         rate = float(subprocess.check_output([load, str(self.port), str(requests), str(AT_ONCE)], text=True))
-        rates.append(rate)
-        costs.append((self.processor_time() - before) / requests * 1e6)
+        figures.rates.append(rate)
+        figures.costs.append((self.processor_time() - before) / requests * 1e6)
 
     def stop(self):
         self.process.stdin.close()
@@ -136,39 +160,42 @@ def compare(servers, load, rounds, requests):
     bodies = {server.fetch() for server in servers}
     assert bodies == {script().encode()}, "the servers do not serve the same bytes"
     for server in servers:
-        server.measure(load, requests // 4, [], [])  # warms up
+        server.measure(load, requests // 4, Figures())  # warms up
 
     for number in range(rounds):
-        for server in servers[number % len(servers):] + servers[:number % len(servers)]:
-            server.measure(load, requests, server.rates, server.costs)
+        first = number % len(servers)
+        for server in servers[first:] + servers[:first]:
+            server.measure(load, requests, server.figures)
 
     before = ours.memory()
-    idle = [socket.create_connection(("127.0.0.1", ours.port)) for _ in range(IDLE)]
-    time.sleep(1)
+    idle = Idle(ours.port)
+    idle.hold(True)
     after = ours.memory()
-    for _ in range(rounds):
-        ours.measure(load, requests, ours.idle_rates, ours.idle_costs)
-        for client in idle:
-            client.close()
-        time.sleep(0.5)
-        ours.measure(load, requests, ours.rates, ours.costs)
-        idle = [socket.create_connection(("127.0.0.1", ours.port)) for _ in range(IDLE)]
-        time.sleep(0.5)
-    for client in idle:
-        client.close()
+    beside, alone = Figures(), Figures()
+    for number in range(rounds):
+        for held in (True, False) if number % 2 == 0 else (False, True):
+            idle.hold(held)
+            ours.measure(load, requests, beside if held else alone)
+    idle.hold(False)
 
     middle = statistics.median
     print(f"{rounds} rounds of {requests} requests, {AT_ONCE} at once, {len(script())} bytes")
     for server in servers:
-        half = server.rates[:rounds], server.costs[:rounds]
-        line = f"{server.name:13} {middle(half[0]):8.0f} requests/s  {middle(half[1]):6.1f} us/request"
+        figures = server.figures
+        line = f"{server.name:13} {middle(figures.rates):8.0f} requests/s {middle(figures.costs):6.1f} us/request"
         if server is not ours:
-            line += (f"   ours: rate x{middle(ours.rates[:rounds]) / middle(half[0]):.3f}"
-                     f"  processor x{middle(ours.costs[:rounds]) / middle(half[1]):.3f}")
+            line += f"   ours: {ratios(ours.figures, figures)}"
         print(line)
-    print(f"with {IDLE} idle: {middle(ours.idle_rates):.0f} requests/s, x{middle(ours.idle_rates) / middle(ours.rates[rounds:]):.3f}"
-          f" of {middle(ours.rates[rounds:]):.0f} without; {middle(ours.idle_costs):.1f} us/request")
+    print(f"with {IDLE} idle connections {middle(beside.rates):.0f} requests/s, without {middle(alone.rates):.0f}: "
+          f"{ratios(beside, alone)}")
     print(f"memory of {IDLE} idle connections: PSS +{after[0] - before[0]} kB, private dirty +{after[1] - before[1]} kB")
+
+
+def ratios(one, other):
+    """The middle one of the rounds, each of which compares what ran within the same seconds."""
+    rate = statistics.median(a / b for a, b in zip(one.rates, other.rates))
+    cost = statistics.median(a / b for a, b in zip(one.costs, other.costs))
+    return f"rate x{rate:.3f}, processor time x{cost:.3f}"
 
 
 if __name__ == "__main__":

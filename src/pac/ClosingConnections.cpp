@@ -12,7 +12,7 @@ namespace {
 
 /// A client that still sends gets this long, and this much, until it is cut off.
 constexpr std::chrono::seconds patience{2};
-constexpr std::size_t patienceBytes = 8 * 1024 * 1024;
+constexpr std::size_t patienceBytes = std::size_t{8} << 20;
 
 /// Between two looks: at first, and at most while nothing happens.
 constexpr std::chrono::milliseconds firstPause{20};

@@ -5,9 +5,9 @@
 #include <boost/asio/basic_waitable_timer.hpp>
 #include <boost/asio/io_context.hpp>
 
-#include <array>
 #include <chrono>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace velmora {
@@ -21,7 +21,8 @@ class ClosingConnections final {
 public:
     using Executor = boost::asio::io_context::executor_type;
 
-    explicit ClosingConnections(const Executor& executor) : timer_(executor) {}
+    /// The memory takes what the clients still send. Nobody reads it, so others may use it likewise.
+    ClosingConnections(const Executor& executor, std::span<std::byte> scratch) : timer_(executor), scratch_(scratch) {}
 
     /// The socket does not wait.
     void add(UniqueFd socket);
@@ -44,10 +45,10 @@ private:
     void lookLater();
 
     Timer timer_;
+    std::span<std::byte> scratch_;
     bool timerRuns_ = false;
     std::chrono::milliseconds pause_{};
     std::vector<Connection> connections_;  // oldest first
-    std::array<std::byte, 65'536> scratch_;
 };
 
 }  // namespace velmora

@@ -141,7 +141,7 @@ void PacListener::serve(UniqueFd socket) {
 }
 
 void PacListener::waitForRequest(UniqueFd socket) {
-    const Place place = startWaiting(std::move(socket));
+    const auto place = startWaiting(std::move(socket));
     place->socket.async_receive(asio::buffer(scratch_), [this, place](const ErrorCode& error, std::size_t) {
         if (UniqueFd owner = endWaiting(place)) {
             answer(std::move(owner), error ? ClientSide::closed : ClientSide::open);
@@ -162,7 +162,7 @@ void PacListener::answer(UniqueFd socket, ClientSide client) {
 
 void PacListener::sendRest(UniqueFd socket, std::shared_ptr<const std::string> response, std::size_t sent,
                            ClientSide client) {
-    const Place place = startWaiting(std::move(socket));
+    const auto place = startWaiting(std::move(socket));
     place->response = std::move(response);
     asio::async_write(place->socket, asio::buffer(*place->response) + sent,
                       [this, place, client](const ErrorCode& error, std::size_t) {
@@ -181,7 +181,7 @@ void PacListener::finish(UniqueFd socket, ClientSide client) {
 }
 
 PacListener::Place PacListener::startWaiting(UniqueFd socket) {
-    const Place place = waiting_.emplace(waiting_.end(), context_.get_executor());
+    const auto place = waiting_.emplace(waiting_.end(), context_.get_executor());
     ErrorCode error;
     place->socket.assign(Tcp::v6(), socket.get(), error);
     if (error) {
@@ -195,7 +195,7 @@ PacListener::Place PacListener::startWaiting(UniqueFd socket) {
 UniqueFd PacListener::endWaiting(Place place) {
     if (!place->socket.is_open()) {
         closed_.erase(place);
-        return UniqueFd();
+        return {};
     }
     ErrorCode error;
     UniqueFd socket(place->socket.release(error));

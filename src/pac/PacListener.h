@@ -80,9 +80,9 @@ private:
     std::vector<UniqueFd> accepted_;  // a moment ago
     std::list<Waiting> waiting_;      // longest idle first
     std::list<Waiting> closed_;       // until the operation that they waited for has come back
-    ClosingConnections closing_{context_.get_executor()};
     // One piece of memory takes what every client sends, because nobody reads it.
-    std::array<std::byte, 65'536> scratch_;
+    std::array<std::byte, 65'536> scratch_{};
+    ClosingConnections closing_{context_.get_executor(), scratch_};
     std::thread thread_;
 };
 
