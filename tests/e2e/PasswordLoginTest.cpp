@@ -102,9 +102,14 @@ TEST_F(PasswordLoginTest, wrongPasswordIsTriedOnceAndItsScriptGoes) {
     EXPECT_EQ(log.find(failure), log.rfind(failure));
 }
 
+/// With a password that the user has put into the keyring by other means.
 TEST_F(PasswordLoginTest, quitRemovesTheScript) {
     const SSHHost host = passwordHost();
-    stand_->manager().keychain().save(account_->password(), host.id);
+    HelperProcess store({.arguments = {"secret-tool", "store", "--label=Test", "service", "com.velmora.app", "account",
+                                       host.id.toString()},
+                         .input = account_->password(),
+                         .log = session_->home() / "secret-tool.log"});
+    ASSERT_EQ(store.wait(), 0);
     stand_->connect(host);
     ASSERT_TRUE(stand_->waitUntil([&] { return isListening(port_); }));
     ASSERT_THAT(stand_->askpassFiles(), SizeIs(1));
