@@ -2,6 +2,7 @@
 
 #include "base/Result.h"
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,12 @@ public:
 
     /// Waits for the program, with the application's own environment. Fails when it cannot be started. Any thread.
     virtual Result<ProcessOutput, Error> run(const std::string& program, const std::vector<std::string>& arguments) = 0;
+
+    /// The same with both streams in one pipe: all that the program says is in `standardOutput`, in the order it was
+    /// said. Standard input comes from a file. Fails also when that cannot be opened. Any thread.
+    virtual Result<ProcessOutput, Error> runJoined(const std::string& program,
+                                                   const std::vector<std::string>& arguments,
+                                                   const std::filesystem::path& standardInput) = 0;
 };
 
 }  // namespace velmora

@@ -2,6 +2,7 @@
 
 #include "platform/ProcessRunner.h"
 
+#include <filesystem>
 #include <map>
 #include <string>
 #include <utility>
@@ -14,6 +15,7 @@ class FakeProcessRunner final : public ProcessRunner {
 public:
     std::map<std::string, ProcessOutput> answers;
     std::vector<std::pair<std::string, std::vector<std::string>>> runs;
+    std::vector<std::filesystem::path> inputs;  ///< of the joined runs
 
     Result<ProcessOutput, Error> run(const std::string& program, const std::vector<std::string>& arguments) override {
         runs.emplace_back(program, arguments);
@@ -22,6 +24,12 @@ public:
             return Error{program + ": No such file or directory"};
         }
         return answer->second;
+    }
+
+    Result<ProcessOutput, Error> runJoined(const std::string& program, const std::vector<std::string>& arguments,
+                                           const std::filesystem::path& standardInput) override {
+        inputs.push_back(standardInput);
+        return run(program, arguments);
     }
 };
 

@@ -51,6 +51,32 @@ TEST(ProcessRunner, HandsOnTheEnvironmentAndAnEmptyInput) {
     EXPECT_EQ(currentEnvironment().at("VELMORA_TEST_VALUE"), "a=b");
 }
 
+TEST(ProcessRunner, JoinsBothStreamsInTheOrderOfTheirWords) {
+    SystemProcessRunner runner;
+    const auto output = runner.runJoined("/bin/sh", {"-c", "echo one; echo two >&2; echo three; exit 4"}, "/dev/null");
+    ASSERT_TRUE(output);
+    EXPECT_EQ(output->status, 4);
+    EXPECT_EQ(output->standardOutput, "one\ntwo\nthree\n");
+    EXPECT_EQ(output->standardError, "");
+}
+
+TEST(ProcessRunner, ReadsStandardInputFromAFile) {
+    const TemporaryDirectory directory;
+    writeContent(directory / "input", "as given");
+    SystemProcessRunner runner;
+    const auto output = runner.runJoined("/bin/cat", {}, directory / "input");
+    ASSERT_TRUE(output);
+    EXPECT_EQ(output->standardOutput, "as given");
+    EXPECT_FALSE(runner.runJoined("/bin/cat", {}, directory / "nothing"));
+}
+
+TEST(ProcessRunner, TellsTheSignalThatEndedAProgram) {
+    SystemProcessRunner runner;
+    const auto output = runner.runJoined("/bin/sh", {"-c", "kill -SEGV $$"}, "/dev/null");
+    ASSERT_TRUE(output);
+    EXPECT_EQ(output->status, SIGSEGV);
+}
+
 TEST(ProcessRunner, AProgramThatIsNotThereFails) {
     SystemProcessRunner runner;
     const auto output = runner.run("/bin/launchctl-is-not-here", {});

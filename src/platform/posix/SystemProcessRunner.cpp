@@ -60,26 +60,26 @@ void collectUntilExit(int output, int error, int exitDescriptor, ProcessOutput& 
     readRest(error, result.standardError);
 }
 
-}  // namespace
+enum class Streams { separate, joined };
 
-Result<ProcessOutput, Error> SystemProcessRunner::run(const std::string& program,
-                                                      const std::vector<std::string>& arguments) {
+Result<ProcessOutput, Error> runToItsEnd(const std::string& program, const std::vector<std::string>& arguments,
+                                         const UniqueFd& input, Streams streams) {
     if (::access(program.c_str(), X_OK) != 0) {
         return describe(program, std::generic_category().message(errno));
     }
     auto output = makePipe();
     auto error = makePipe();
-    const UniqueFd input(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-    if (!output || !error || !input) {
+    if (!output || !error) {
         return describe(program, std::generic_category().message(EMFILE));
     }
     const auto environment = currentEnvironment();
+    const auto& errorTarget = streams == Streams::joined ? output->writing : error->writing;
     const auto process = spawn({.program = program,
                                 .arguments = arguments,
                                 .environment = environment,
                                 .standardInput = input.get(),
                                 .standardOutput = output->writing.get(),
-                                .standardError = error->writing.get()});
+                                .standardError = errorTarget.get()});
     if (!process) {
         return describe(program, process.error().message);
     }
@@ -89,6 +89,27 @@ Result<ProcessOutput, Error> SystemProcessRunner::run(const std::string& program
     collectUntilExit(output->reading.get(), error->reading.get(), process->exitDescriptor.get(), result);
     result.status = reap(process->pid);
     return result;
+}
+
+}  // namespace
+
+Result<ProcessOutput, Error> SystemProcessRunner::run(const std::string& program,
+                                                      const std::vector<std::string>& arguments) {
+    const UniqueFd nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    if (!nothing) {
+        return describe(program, std::generic_category().message(errno));
+    }
+    return runToItsEnd(program, arguments, nothing, Streams::separate);
+}
+
+Result<ProcessOutput, Error> SystemProcessRunner::runJoined(const std::string& program,
+                                                            const std::vector<std::string>& arguments,
+                                                            const std::filesystem::path& standardInput) {
+    const UniqueFd input(::open(standardInput.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!input) {
+        return describe(standardInput.string(), std::generic_category().message(errno));
+    }
+    return runToItsEnd(program, arguments, input, Streams::joined);
 }
 
 Environment currentEnvironment() {

@@ -10,6 +10,8 @@ namespace velmora {
 class SystemProcessRunner final : public ProcessRunner {
 public:
     Result<ProcessOutput, Error> run(const std::string& program, const std::vector<std::string>& arguments) override;
+    Result<ProcessOutput, Error> runJoined(const std::string& program, const std::vector<std::string>& arguments,
+                                           const std::filesystem::path& standardInput) override;
 };
 
 /// The environment that this program was started with.
