@@ -1,0 +1,82 @@
+#include "update/UpdateManifest.h"
+
+#include <boost/json.hpp>
+
+namespace velmora {
+
+namespace {
+
+namespace json = boost::json;
+
+/// Collects the first thing that is wrong.
+class Reader final {
+public:
+    explicit Reader(const json::object& object) : object_(object) {}
+
+    std::string required(std::string_view key) {
+        const auto* value = object_.if_contains(key);
+        if (value == nullptr || value->is_null()) {
+            fail("“" + std::string(key) + "” is missing");
+            return {};
+        }
+        return text(key, *value);
+    }
+
+    std::optional<std::string> optional(std::string_view key) {
+        const auto* value = object_.if_contains(key);
+        if (value == nullptr || value->is_null()) {
+            return std::nullopt;
+        }
+        return text(key, *value);
+    }
+
+    [[nodiscard]] const std::optional<Error>& error() const { return error_; }
+
+private:
+    std::string text(std::string_view key, const json::value& value) {
+        if (!value.is_string()) {
+            fail("“" + std::string(key) + "” is not text");
+            return {};
+        }
+        return json::value_to<std::string>(value);
+    }
+
+    void fail(const std::string& reason) {
+        if (!error_) {
+            error_ = Error{"The update feed cannot be read: " + reason + "."};
+        }
+    }
+
+    const json::object& object_;
+    std::optional<Error> error_;
+};
+
+}  // namespace
+
+Result<UpdateManifest, Error> decodeManifest(std::string_view text) {
+    json::error_code error;
+    const auto document = json::parse({text.data(), text.size()}, error);
+    if (error) {
+        return Error{"The update feed cannot be read: it is not valid JSON."};
+    }
+    const auto* object = document.if_object();
+    if (object == nullptr) {
+        return Error{"The update feed cannot be read: it is not a JSON object."};
+    }
+
+    Reader reader(*object);
+    UpdateManifest manifest;
+    manifest.version = reader.required("version");
+    manifest.build = reader.optional("build");
+    manifest.date = reader.optional("date");
+    manifest.url = reader.required("url");
+    manifest.sha256 = reader.optional("sha256");
+    manifest.notes = reader.optional("notes");
+    manifest.minimumSystemVersion = reader.optional("minimumSystemVersion");
+    if (reader.error()) {
+        return *reader.error();
+    }
+    return manifest;
+}
+
+}  // namespace velmora
