@@ -78,7 +78,9 @@ std::optional<fs::path> findBundle(const fs::path& folder) {
     std::error_code error;
     for (fs::directory_iterator items(folder, error); !error && items != fs::directory_iterator();
          items.increment(error)) {
-        if (items->path().extension() == ".app" && (!first || items->path() < *first)) {
+        // A link is no bundle: moved to another place it would lead nowhere, or somewhere else.
+        const bool isFolder = items->symlink_status(error).type() == fs::file_type::directory;
+        if (isFolder && items->path().extension() == ".app" && (!first || items->path() < *first)) {
             first = items->path();
         }
     }

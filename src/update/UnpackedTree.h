@@ -13,7 +13,7 @@ namespace velmora {
 /// The error names the first thing that is wrong.
 Result<void, Error> secureUnpackedTree(const std::filesystem::path& folder, const ArchiveListing& listing);
 
-/// The first item, by name, directly in the folder whose extension is "app".
+/// The first folder, by name, directly in this one whose extension is "app".
 [[nodiscard]] std::optional<std::filesystem::path> findBundle(const std::filesystem::path& folder);
 
 }  // namespace velmora

@@ -87,7 +87,8 @@ Result<HttpAnswer, Error> HttpTransfer::run() {
 
 std::optional<int> HttpTransfer::status() const {
     const auto value = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    return value.isValid() ? std::optional(value.toInt()) : std::nullopt;
+    const bool isHttp = reply_->url().scheme().startsWith(QLatin1String("http"));  // Qt has a status for files, too
+    return isHttp && value.isValid() ? std::optional(value.toInt()) : std::nullopt;
 }
 
 void HttpTransfer::readBody() {
