@@ -120,7 +120,10 @@ private:
 
     static bool isReadable(const ZipEntry& entry) {
         const bool stored = entry.method == zipStored && entry.packedSize == entry.size;
-        const bool endIsKnown = (entry.flags & flagDescriptor) == 0 || !stored || entry.size == 0;
+        // Bytes as they are, with their number behind them: where they end is not clear to everybody, unless they are
+        // the plain text of a link, which macOS packs in this way.
+        const bool isLink = (entry.unixMode & S_IFMT) == S_IFLNK;
+        const bool endIsKnown = (entry.flags & flagDescriptor) == 0 || !stored || entry.size == 0 || isLink;
         return (stored || entry.method == zipDeflated) && endIsKnown && (entry.flags & ~flagsUnderstood) == 0 &&
                entry.packedSize != moreThanFits && entry.size != moreThanFits;
     }
