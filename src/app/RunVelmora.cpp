@@ -1,5 +1,6 @@
 #include "app/RunVelmora.h"
 
+#include "app/MessageBoxAlert.h"
 #include "manager/TunnelManager.h"
 #include "platform/Paths.h"
 #include "platform/SystemServices.h"
@@ -7,10 +8,15 @@
 #include "platform/posix/FileLimit.h"
 #include "platform/posix/IoThread.h"
 #include "platform/posix/SignalWatcher.h"
+#include "platform/posix/SpawnDetachedLauncher.h"
 #include "platform/posix/SystemProcessRunner.h"
+#include "platform/posix/ThreadWorker.h"
+#include "platform/qt/QtHttpClient.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"
 #include "ui/VelmoraApp.h"
+#include "update/CodeRequirement.h"
+#include "update/Updater.h"
 
 #include <QApplication>
 
@@ -62,6 +68,31 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
     VelmoraApp app(manager, *tray, *policy, directory / "hosts.json");
     shell = &app;
     instance.onKnock([&app] { app.openManagedWindow("main"); });
+
+    QtHttpClient http;
+    const auto& identity = options.updateIdentity;
+    const auto bundleTools = makeBundleTools(runner,
+                                             {.teamIdentifier = identity.teamIdentifier,
+                                              .publicKey = identity.publicKey,
+                                              .codeRequirement = codeRequirement(identity.teamIdentifier)},
+                                             paths);
+    SpawnDetachedLauncher detachedLauncher;
+    MessageBoxAlert alert(*policy);
+    ThreadWorker worker;
+    Updater updater(
+        {.scheduler = scheduler,
+         .defaults = *defaults,
+         .worker = worker,
+         .http = http,
+         .bundles = *bundleTools,
+         .launcher = detachedLauncher,
+         .alert = alert,
+         .temporaryFolder = paths.largeTemporary,
+         .runningBundle = RunningBundle::ofProgram(QApplication::applicationFilePath().toStdString(), VELMORA_VERSION),
+         .defaultFeedURL = identity.feedURL,
+         .terminate = [&app] { app.quit(); }});
+    updater.start();
+    options.beforeLoop(updater);
     return QApplication::exec();
 }
 

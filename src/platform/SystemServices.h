@@ -1,12 +1,15 @@
 #pragma once
 
 #include "platform/ActivationPolicy.h"
+#include "platform/BundleTools.h"
 #include "platform/CredentialStore.h"
 #include "platform/DefaultsStore.h"
 #include "platform/Paths.h"
+#include "platform/ProcessRunner.h"
 #include "platform/TrayWatcher.h"
 
 #include <memory>
+#include <string>
 
 namespace velmora {
 
@@ -16,5 +19,13 @@ std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& paths);
 std::unique_ptr<CredentialStore> makeCredentialStore();
 std::unique_ptr<TrayWatcher> makeTrayWatcher();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
+
+/// Whom an update must be signed by, in the terms of each system.
+struct BundleTrust {
+    std::string teamIdentifier;
+    std::string publicKey;        ///< OpenSSH
+    std::string codeRequirement;  ///< of macOS's code signing
+};
+std::unique_ptr<BundleTools> makeBundleTools(ProcessRunner& runner, const BundleTrust& trust, const Paths& paths);
 
 }  // namespace velmora

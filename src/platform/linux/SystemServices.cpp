@@ -1,5 +1,6 @@
 #include "platform/SystemServices.h"
 
+#include "platform/linux/LinuxBundleTools.h"
 #include "platform/linux/LinuxTrayWatcher.h"
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/qt/QtDefaultsStore.h"
@@ -32,6 +33,11 @@ std::unique_ptr<TrayWatcher> makeTrayWatcher() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<WindowsDecide>();
+}
+
+std::unique_ptr<BundleTools> makeBundleTools(ProcessRunner& runner, const BundleTrust& trust, const Paths& paths) {
+    return std::make_unique<LinuxBundleTools>(
+        runner, LinuxBundleTools::Trust{.signer = trust.teamIdentifier, .publicKey = trust.publicKey}, paths.temporary);
 }
 
 }  // namespace velmora

@@ -2,6 +2,7 @@
 
 #include "platform/macos/DockPolicy.h"
 #include "platform/macos/KeychainCredentialStore.h"
+#include "platform/macos/MacBundleTools.h"
 #include "platform/qt/QtDefaultsStore.h"
 
 #include <QObject>
@@ -44,6 +45,10 @@ std::unique_ptr<TrayWatcher> makeTrayWatcher() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<DockPolicy>();
+}
+
+std::unique_ptr<BundleTools> makeBundleTools(ProcessRunner& runner, const BundleTrust& trust, const Paths& /*paths*/) {
+    return std::make_unique<MacBundleTools>(runner, trust.codeRequirement);
 }
 
 }  // namespace velmora
