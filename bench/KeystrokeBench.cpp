@@ -1,11 +1,5 @@
 // One keystroke in a host's name, with 1,000 hosts and 4,000 patterns, until the served proxy script has changed.
-#include "fakes/FakeProcessLauncher.h"
-#include "fakes/FakeProcessRunner.h"
-#include "fakes/InMemoryDefaultsStore.h"
-#include "fakes/RecordingCredentialStore.h"
-#include "fakes/TemporaryDirectory.h"
-#include "fakes/VirtualScheduler.h"
-#include "manager/TunnelManager.h"
+#include "fakes/FakeSystem.h"
 
 #include <benchmark/benchmark.h>
 
@@ -23,31 +17,15 @@ std::vector<SSHHost> thousandHosts() {
         auto& rule = hosts[i].forwardingRules[0];
         rule.type = ForwardingType::dynamic;
         rule.bindPort = 21000 + static_cast<std::int64_t>(i);
-        rule.pacPatterns = "*.zone" + number + ".example\nhost" + number + ".example\n10." + number + ".*\n*.n" + number;
+        rule.pacPatterns =
+            "*.zone" + number + ".example\nhost" + number + ".example\n10." + number + ".*\n*.n" + number;
     }
     return hosts;
 }
 
 void keystroke(benchmark::State& state) {
-    const TemporaryDirectory home;
-    VirtualScheduler scheduler;
-    FakeProcessLauncher launcher;
-    FakeProcessRunner runner;
-    RecordingCredentialStore credentials;
-    InMemoryDefaultsStore defaults;
-    TunnelManager manager({.paths = {.home = home.path(),
-                                     .applicationSupport = home / "share",
-                                     .library = home / "state",
-                                     .configuration = home / "config",
-                                     .temporary = home.path(),
-                                     .largeTemporary = home.path()},
-                           .scheduler = scheduler,
-                           .launcher = launcher,
-                           .runner = runner,
-                           .credentials = credentials,
-                           .defaults = defaults,
-                           .environment = {},
-                           .pacPort = 0});
+    FakeSystem system;
+    TunnelManager manager(system.platform());
     manager.hosts().set(thousandHosts());
     for (auto _ : state) {
         manager.hosts().edit([](std::vector<SSHHost>& hosts) { hosts[500].name += 'x'; });

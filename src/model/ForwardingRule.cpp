@@ -43,14 +43,14 @@ std::vector<std::string> ForwardingRule::sshArguments() const {
     if (!enabled || bindPort < 1) {
         return {};
     }
-    auto specification = bindAddress.empty() ? std::to_string(bindPort) : bindAddress + ":" + std::to_string(bindPort);
+    auto argument = bindAddress.empty() ? std::to_string(bindPort) : bindAddress + ":" + std::to_string(bindPort);
     if (type != ForwardingType::dynamic) {
         if (targetAddress.empty() || targetPort < 1) {
             return {};
         }
-        specification += ":" + targetAddress + ":" + std::to_string(targetPort);
+        argument += ":" + targetAddress + ":" + std::to_string(targetPort);
     }
-    return {std::string(sshFlag(type)), std::move(specification)};
+    return {std::string(sshFlag(type)), std::move(argument)};
 }
 
 }  // namespace velmora

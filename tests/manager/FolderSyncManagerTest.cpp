@@ -1,9 +1,4 @@
-#include "fakes/FakeProcessLauncher.h"
-#include "fakes/FakeProcessRunner.h"
-#include "fakes/InMemoryDefaultsStore.h"
-#include "fakes/RecordingCredentialStore.h"
-#include "fakes/TemporaryDirectory.h"
-#include "fakes/VirtualScheduler.h"
+#include "fakes/FakeSystem.h"
 #include "manager/TunnelManager.h"
 #include "model/HostJson.h"
 
@@ -27,21 +22,7 @@ protected:
 
     TunnelManager& start() {
         manager_.reset();
-        manager_.emplace(Platform{
-            .paths = {.home = home_.path(),
-                      .applicationSupport = home_ / "share",
-                      .library = home_ / "state",
-                      .configuration = home_ / "config",
-                      .temporary = runtime_.path(),
-                      .largeTemporary = runtime_.path()},
-            .scheduler = scheduler_,
-            .launcher = launcher_,
-            .runner = runner_,
-            .credentials = credentials_,
-            .defaults = defaults_,
-            .environment = {{"SSH_AUTH_SOCK", "/agent"}},
-            .pacPort = 0,
-        });
+        manager_.emplace(system_.platform());
         return *manager_;
     }
 
@@ -51,14 +32,14 @@ protected:
         auto& manager = start();
         manager.folderSync().setFolder(folder());
         manager.folderSync().push(manager.hosts().get());
-        scheduler_.advance(3s);
+        system_.scheduler.advance(3s);
         return manager;
     }
 
-    void poll() { scheduler_.advance(5s); }
+    void poll() { system_.scheduler.advance(5s); }
 
-    fs::path hostsFile() const { return home_ / "share/Velmora/hosts.json"; }
-    fs::path folder() const { return home_ / "shared"; }
+    fs::path hostsFile() const { return system_.home / "share/Velmora/hosts.json"; }
+    fs::path folder() const { return system_.home / "shared"; }
     fs::path syncFile() const { return folder() / "velmora-sync.json"; }
 
     void storeHosts(const std::vector<SSHHost>& hosts) const {
@@ -80,13 +61,7 @@ protected:
         return host;
     }
 
-    TemporaryDirectory home_;
-    TemporaryDirectory runtime_;
-    VirtualScheduler scheduler_;
-    FakeProcessLauncher launcher_;
-    FakeProcessRunner runner_;
-    RecordingCredentialStore credentials_;
-    InMemoryDefaultsStore defaults_;
+    FakeSystem system_;
     std::optional<TunnelManager> manager_;
     fs::file_time_type laterDate_ = fs::file_time_type::clock::now() + 1h;
 };
@@ -99,7 +74,7 @@ TEST_F(FolderSyncManagerTest, WhileDisabledSaveWritesTheHostsFileOnlyAndNoTimerR
     manager.save();
     EXPECT_TRUE(fs::exists(hostsFile()));
     EXPECT_TRUE(fs::is_empty(folder()));
-    EXPECT_EQ(scheduler_.pendingTimers(), 0U);
+    EXPECT_EQ(system_.scheduler.pendingTimers(), 0U);
 }
 
 TEST_F(FolderSyncManagerTest, EverySaveWritesTheSameListToTheFolder) {
@@ -141,8 +116,8 @@ TEST_F(FolderSyncManagerTest, AnEmptyListDisconnectsAndRemovesEveryHost) {
     writeFromElsewhere("[]");
     poll();
     EXPECT_THAT(manager.hosts().get(), IsEmpty());
-    EXPECT_EQ(launcher_.process(0).terminations, 1);
-    EXPECT_EQ(launcher_.process(1).terminations, 1);
+    EXPECT_EQ(system_.launcher.process(0).terminations, 1);
+    EXPECT_EQ(system_.launcher.process(1).terminations, 1);
     EXPECT_EQ(contentOf(hostsFile()), "[]");
 }
 
@@ -150,16 +125,16 @@ TEST_F(FolderSyncManagerTest, ADroppedConnectedHostIsDisconnectedAndItsPasswordS
     const auto a = hostNamed("a");
     auto b = hostNamed("b");
     b.authMethod = AuthMethod::password;
-    credentials_.items[{"com.velmora.app", b.id.toString()}] = "secret";
+    system_.credentials.items[{"com.velmora.app", b.id.toString()}] = "secret";
     auto& manager = startSharing({a, b});
     ASSERT_EQ(manager.status(b.id), ConnectionStatus::connected());
     writeFromElsewhere({a});
     poll();
     EXPECT_THAT(manager.hosts().get(), ElementsAre(a));
-    EXPECT_EQ(launcher_.process(0).terminations, 0);
-    EXPECT_EQ(launcher_.process(1).terminations, 1);
+    EXPECT_EQ(system_.launcher.process(0).terminations, 0);
+    EXPECT_EQ(system_.launcher.process(1).terminations, 1);
     EXPECT_EQ(manager.status(b.id), ConnectionStatus::disconnected());
-    EXPECT_EQ(credentials_.items.size(), 1U) << "removal through the folder is no deletion";
+    EXPECT_EQ(system_.credentials.items.size(), 1U) << "removal through the folder is no deletion";
 }
 
 TEST_F(FolderSyncManagerTest, AChangedPortOfAConnectedHostAppliesAtItsNextConnect) {
@@ -170,13 +145,13 @@ TEST_F(FolderSyncManagerTest, AChangedPortOfAConnectedHostAppliesAtItsNextConnec
     writeFromElsewhere({a});
     poll();
     EXPECT_EQ(manager.hosts()->front().port, 2222);
-    EXPECT_EQ(launcher_.count(), 1U);
-    EXPECT_EQ(launcher_.last().terminations, 0);
+    EXPECT_EQ(system_.launcher.count(), 1U);
+    EXPECT_EQ(system_.launcher.last().terminations, 0);
     EXPECT_EQ(manager.status(a.id), ConnectionStatus::connected());
     EXPECT_EQ(manager.connectedAt()->at(a.id), connectedAt);
     manager.disconnect(manager.hosts()->front());
     manager.connect(manager.hosts()->front());
-    EXPECT_THAT(launcher_.last().arguments, testing::Contains("2222"));
+    EXPECT_THAT(system_.launcher.last().arguments, testing::Contains("2222"));
 }
 
 TEST_F(FolderSyncManagerTest, OrderNamesAndEveryFieldComeFromTheFile) {
@@ -190,7 +165,7 @@ TEST_F(FolderSyncManagerTest, OrderNamesAndEveryFieldComeFromTheFile) {
     poll();
     EXPECT_EQ(manager.hosts().get(), received);
     EXPECT_EQ(*decodeHosts(contentOf(hostsFile())), received);
-    EXPECT_EQ(launcher_.count(), 2U) << "a received host is not connected by itself";
+    EXPECT_EQ(system_.launcher.count(), 2U) << "a received host is not connected by itself";
 }
 
 TEST_F(FolderSyncManagerTest, AReceivedListIsNotPushedBack) {
@@ -220,7 +195,7 @@ TEST_F(FolderSyncManagerTest, AMalformedFileChangesNothing) {
     poll();
     EXPECT_EQ(manager.hosts()->size(), 1U);
     EXPECT_EQ(contentOf(hostsFile()), before);
-    EXPECT_EQ(launcher_.last().terminations, 0);
+    EXPECT_EQ(system_.launcher.last().terminations, 0);
 }
 
 TEST_F(FolderSyncManagerTest, TheListThatIsReplacedIsKeptBesideTheHostsFile) {
@@ -245,17 +220,17 @@ TEST_F(FolderSyncManagerTest, AtLaunchTheFoldersListWinsAndTheFirstPollWritesIt)
     const std::vector shared{hostNamed("x"), hostNamed("y")};
     storeHosts(local);
     writeFromElsewhere(shared);
-    defaults_.setString("syncFolderPath", folder().string());
+    system_.defaults.setString("syncFolderPath", folder().string());
     auto& manager = start();
     EXPECT_EQ(manager.hosts().get(), shared);
     EXPECT_EQ(contentOf(hostsFile()), *encodeHosts(local)) << "nothing is written at launch";
-    EXPECT_EQ(launcher_.last().arguments.back(), "local.example") << "the local file's hosts had been connected";
-    EXPECT_EQ(launcher_.count(), 1U);
+    EXPECT_EQ(system_.launcher.last().arguments.back(), "local.example") << "the local file's hosts had been connected";
+    EXPECT_EQ(system_.launcher.count(), 1U);
     int changes = 0;
     const auto counting = manager.hosts().observe([&] { ++changes; });
-    scheduler_.advance(4999ms);
+    system_.scheduler.advance(4999ms);
     EXPECT_EQ(changes, 0);
-    scheduler_.advance(1ms);
+    system_.scheduler.advance(1ms);
     EXPECT_EQ(changes, 1) << "an unknown date counts as a change";
     EXPECT_EQ(contentOf(hostsFile()), *encodeHosts(shared));
     poll();
@@ -266,7 +241,7 @@ TEST_F(FolderSyncManagerTest, TheLocalListThatTheFolderReplacesAtLaunchIsKept) {
     const std::vector local{hostNamed("local")};
     storeHosts(local);
     writeFromElsewhere({hostNamed("x")});
-    defaults_.setString("syncFolderPath", folder().string());
+    system_.defaults.setString("syncFolderPath", folder().string());
     start();
     poll();
     EXPECT_EQ(*decodeHosts(contentOf(hostsFile().string() + ".before-sync")), local);
@@ -275,7 +250,7 @@ TEST_F(FolderSyncManagerTest, TheLocalListThatTheFolderReplacesAtLaunchIsKept) {
 TEST_F(FolderSyncManagerTest, AtLaunchAnEmptyHostsFileTakesTheFoldersTwoHosts) {
     storeHosts({});
     writeFromElsewhere({hostNamed("x"), hostNamed("y")});
-    defaults_.setString("syncFolderPath", folder().string());
+    system_.defaults.setString("syncFolderPath", folder().string());
     EXPECT_EQ(start().hosts()->size(), 2U);
     EXPECT_EQ(contentOf(hostsFile()), "[]");
 }
@@ -283,7 +258,7 @@ TEST_F(FolderSyncManagerTest, AtLaunchAnEmptyHostsFileTakesTheFoldersTwoHosts) {
 TEST_F(FolderSyncManagerTest, AtLaunchWithoutAFileInTheFolderTheLocalListStays) {
     const std::vector local{hostNamed("local")};
     storeHosts(local);
-    defaults_.setString("syncFolderPath", folder().string());
+    system_.defaults.setString("syncFolderPath", folder().string());
     auto& manager = start();
     EXPECT_EQ(manager.hosts().get(), local);
     EXPECT_TRUE(fs::is_empty(folder()));
@@ -295,7 +270,7 @@ TEST_F(FolderSyncManagerTest, AtLaunchWithoutAFileInTheFolderTheLocalListStays) 
 TEST_F(FolderSyncManagerTest, PollingEndsWithTheManager) {
     startSharing({});
     manager_.reset();
-    EXPECT_EQ(scheduler_.pendingTimers(), 0U);
+    EXPECT_EQ(system_.scheduler.pendingTimers(), 0U);
 }
 
 // ---- Core Tunnel import ----
@@ -303,8 +278,8 @@ TEST_F(FolderSyncManagerTest, PollingEndsWithTheManager) {
 class CoreTunnelManagerTest : public FolderSyncManagerTest {
 protected:
     ImportResult import(const std::string& content) {
-        writeContent(home_ / "backup.coretunnel", content);
-        return manager_->importFromCoreTunnel(home_ / "backup.coretunnel");
+        writeContent(system_.home / "backup.coretunnel", content);
+        return manager_->importFromCoreTunnel(system_.home / "backup.coretunnel");
     }
 };
 

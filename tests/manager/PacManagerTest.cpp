@@ -1,9 +1,4 @@
-#include "fakes/FakeProcessLauncher.h"
-#include "fakes/FakeProcessRunner.h"
-#include "fakes/InMemoryDefaultsStore.h"
-#include "fakes/RecordingCredentialStore.h"
-#include "fakes/TemporaryDirectory.h"
-#include "fakes/VirtualScheduler.h"
+#include "fakes/FakeSystem.h"
 #include "manager/TunnelManager.h"
 #include "model/HostJson.h"
 
@@ -23,19 +18,7 @@ class PacManagerTest : public testing::Test {
 protected:
     TunnelManager& start() {
         manager_.reset();
-        manager_.emplace(Platform{.paths = {.home = home_.path(),
-                                            .applicationSupport = home_ / "share",
-                                            .library = home_ / "state",
-                                            .configuration = home_ / "config",
-                                            .temporary = home_.path(),
-                                            .largeTemporary = home_.path()},
-                                  .scheduler = scheduler_,
-                                  .launcher = launcher_,
-                                  .runner = runner_,
-                                  .credentials = credentials_,
-                                  .defaults = defaults_,
-                                  .environment = {},
-                                  .pacPort = 0});
+        manager_.emplace(system_.platform());
         return *manager_;
     }
 
@@ -50,18 +33,13 @@ protected:
     }
 
     void storeHosts(const std::vector<SSHHost>& hosts) {
-        std::filesystem::create_directories(home_ / "share/Velmora");
-        writeContent(home_ / "share/Velmora/hosts.json", *encodeHosts(hosts));
+        std::filesystem::create_directories(system_.home / "share/Velmora");
+        writeContent(system_.home / "share/Velmora/hosts.json", *encodeHosts(hosts));
     }
 
     std::string served() { return manager_->pacServer().content(); }
 
-    TemporaryDirectory home_;
-    VirtualScheduler scheduler_;
-    FakeProcessLauncher launcher_;
-    FakeProcessRunner runner_;
-    RecordingCredentialStore credentials_;
-    InMemoryDefaultsStore defaults_;
+    FakeSystem system_;
     std::optional<TunnelManager> manager_;
 };
 
@@ -72,7 +50,7 @@ TEST_F(PacManagerTest, TheScriptIsThereFromTheStart) {
     EXPECT_EQ(served(), nothing);
     EXPECT_GT(manager_->pacServer().listeningPort(), 0);
     storeHosts({proxy(1080, "*.corp")});
-    defaults_.setString("proxyExceptions", "direct.corp");
+    system_.defaults.setString("proxyExceptions", "direct.corp");
     start();
     EXPECT_EQ(served(),
               "function FindProxyForURL(url, host) {\n"
@@ -127,7 +105,7 @@ TEST_F(PacManagerTest, ApplyingTakesTheDirectLinesAsTheExceptions) {
     edited.replace(edited.find("old.example"), 11, "New.Example");
     manager.applyPac(edited);
     EXPECT_EQ(manager.proxyExceptions().get(), "New.Example\nkept.example");
-    EXPECT_EQ(defaults_.string("proxyExceptions"), "New.Example\nkept.example");
+    EXPECT_EQ(system_.defaults.string("proxyExceptions"), "New.Example\nkept.example");
     EXPECT_FALSE(manager.pacServer().isCustom()) << "it is what the hosts and the new exceptions give";
     manager.applyPac(nothing);
     EXPECT_EQ(manager.proxyExceptions().get(), "");
@@ -148,21 +126,21 @@ TEST_F(PacManagerTest, QuickAddNormalisesAndKnowsWhatIsThere) {
 TEST_F(PacManagerTest, ImportedPatternsJoinTheirRulesAreSavedAndServed) {
     storeHosts({proxy(1080, "a.example"), proxy(1081, "")});
     auto& manager = start();
-    const auto script = home_ / "proxy.pac";
+    const auto script = system_.home / "proxy.pac";
     writeContent(script,
                  "if (shExpMatch(host, \"a.example\")) return \"SOCKS5 127.0.0.1:1080\";\n"
                  "if (shExpMatch(host, \"b.example\")) return \"SOCKS5 localhost:1081\";\n");
     EXPECT_EQ(manager.importPacPatterns(script), 1U);
     EXPECT_EQ(manager.hosts()->at(1).forwardingRules[0].pacPatterns, "b.example");
-    EXPECT_EQ(*decodeHosts(contentOf(home_ / "share/Velmora/hosts.json")), manager.hosts().get());
+    EXPECT_EQ(*decodeHosts(contentOf(system_.home / "share/Velmora/hosts.json")), manager.hosts().get());
     EXPECT_THAT(served(), HasSubstr("b.example"));
     EXPECT_EQ(manager.importPacPatterns(script), 0U);
 }
 
 TEST_F(PacManagerTest, AnImportThatAddsNothingSavesNothing) {
     auto& manager = start();
-    EXPECT_EQ(manager.importPacPatterns(home_ / "none.pac"), 0U);
-    EXPECT_FALSE(std::filesystem::exists(home_ / "share/Velmora/hosts.json"));
+    EXPECT_EQ(manager.importPacPatterns(system_.home / "none.pac"), 0U);
+    EXPECT_FALSE(std::filesystem::exists(system_.home / "share/Velmora/hosts.json"));
 }
 
 }  // namespace

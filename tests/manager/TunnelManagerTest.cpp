@@ -1,9 +1,4 @@
-#include "fakes/FakeProcessLauncher.h"
-#include "fakes/FakeProcessRunner.h"
-#include "fakes/InMemoryDefaultsStore.h"
-#include "fakes/RecordingCredentialStore.h"
-#include "fakes/TemporaryDirectory.h"
-#include "fakes/VirtualScheduler.h"
+#include "fakes/FakeSystem.h"
 #include "manager/TunnelManager.h"
 #include "model/HostJson.h"
 
@@ -25,25 +20,11 @@ using testing::Not;
 class TunnelManagerTest : public testing::Test {
 protected:
     TunnelManager& start() {
-        manager_.emplace(Platform{
-            .paths = {.home = home_.path(),
-                      .applicationSupport = home_ / "share",
-                      .library = home_ / "state",
-                      .configuration = home_ / "config",
-                      .temporary = runtime_.path(),
-                      .largeTemporary = runtime_.path()},
-            .scheduler = scheduler_,
-            .launcher = launcher_,
-            .runner = runner_,
-            .credentials = credentials_,
-            .defaults = defaults_,
-            .environment = environment_,
-            .pacPort = 0,
-        });
+        manager_.emplace(system_.platform());
         return *manager_;
     }
 
-    std::filesystem::path hostsFile() const { return home_ / "share/Velmora/hosts.json"; }
+    std::filesystem::path hostsFile() const { return system_.home / "share/Velmora/hosts.json"; }
 
     void writeHostsFile(const std::string& content) {
         std::filesystem::create_directories(hostsFile().parent_path());
@@ -61,20 +42,13 @@ protected:
 
     std::vector<std::string> launchedDestinations() {
         std::vector<std::string> names;
-        for (std::size_t i = 0; i < launcher_.count(); ++i) {
-            names.push_back(launcher_.process(i).arguments.back());
+        for (std::size_t i = 0; i < system_.launcher.count(); ++i) {
+            names.push_back(system_.launcher.process(i).arguments.back());
         }
         return names;
     }
 
-    TemporaryDirectory home_;
-    TemporaryDirectory runtime_;
-    VirtualScheduler scheduler_;
-    FakeProcessLauncher launcher_;
-    FakeProcessRunner runner_;
-    RecordingCredentialStore credentials_;
-    InMemoryDefaultsStore defaults_;
-    Environment environment_{{"SSH_AUTH_SOCK", "/agent"}};
+    FakeSystem system_;
     std::optional<TunnelManager> manager_;
 };
 
@@ -91,7 +65,7 @@ TEST_F(TunnelManagerTest, WithoutAHostsFileItStartsEmptyAndTheFirstSaveMakesTheF
     EXPECT_EQ(*decodeHosts(contentOf(hostsFile())), std::vector{host});
     EXPECT_EQ(modeOf(hostsFile()), 0600);
     EXPECT_EQ(modeOf(hostsFile().parent_path()), 0700);
-    EXPECT_EQ(modeOf(home_ / "state/Logs/Velmora"), 0700);
+    EXPECT_EQ(modeOf(system_.home / "state/Logs/Velmora"), 0700);
 }
 
 TEST_F(TunnelManagerTest, HostsKeepTheirOrderOverARestart) {
@@ -124,11 +98,11 @@ TEST_F(TunnelManagerTest, TheUnreadableFileIsKeptOnce) {
 
 TEST_F(TunnelManagerTest, AnUnreadableFileThatIsALinkKeepsBeingOne) {
     std::filesystem::create_directories(hostsFile().parent_path());
-    writeContent(home_ / "real.json", "precious");
-    std::filesystem::create_symlink(home_ / "real.json", hostsFile());
+    writeContent(system_.home / "real.json", "precious");
+    std::filesystem::create_symlink(system_.home / "real.json", hostsFile());
     start().save();
     EXPECT_TRUE(std::filesystem::is_symlink(hostsFile()));
-    EXPECT_EQ(contentOf(home_ / "real.json"), "[]");
+    EXPECT_EQ(contentOf(system_.home / "real.json"), "[]");
     EXPECT_EQ(contentOf(hostsFile().string() + ".unreadable"), "precious");
 }
 
@@ -144,12 +118,12 @@ TEST_F(TunnelManagerTest, AHostThatCannotBeWrittenLeavesTheFile) {
 }
 
 TEST_F(TunnelManagerTest, WithoutAPlaceToWriteItStillWorks) {
-    writeContent(home_ / "share", "a file where the folder should be");
+    writeContent(system_.home / "share", "a file where the folder should be");
     auto& manager = start();
     manager.hosts().set({hostNamed("a")});
     manager.save();
     manager.connect(manager.hosts()->front());
-    EXPECT_EQ(launcher_.count(), 1U);
+    EXPECT_EQ(system_.launcher.count(), 1U);
 }
 
 // ---- start-up ----
@@ -167,7 +141,7 @@ TEST_F(TunnelManagerTest, HostsMarkedForStartUpThatHaveAHostNameAreConnectedInOr
 }
 
 TEST_F(TunnelManagerTest, ScriptsOfACrashedRunAreRemovedAtStart) {
-    const auto script = runtime_ / ("velmora-askpass-" + Uuid::random().toString() + ".sh");
+    const auto script = system_.runtime / ("velmora-askpass-" + Uuid::random().toString() + ".sh");
     writeContent(script, "#!/bin/sh\n");
     start();
     EXPECT_FALSE(std::filesystem::exists(script));
@@ -179,18 +153,18 @@ TEST_F(TunnelManagerTest, SettingsAreReadAtStartAndAbsentOnesAreOffOrEmpty) {
     EXPECT_FALSE(fresh.globalProxyJumpEnabled().get());
     EXPECT_EQ(fresh.globalProxyJump().get(), "");
     EXPECT_EQ(fresh.proxyExceptions().get(), "");
-    EXPECT_FALSE(defaults_.contains("performanceMode")) << "reading writes nothing";
-    defaults_.setBoolean("performanceMode", true);
-    defaults_.setBoolean("globalProxyJumpEnabled", true);
-    defaults_.setString("globalProxyJump", "jump");
-    defaults_.setString("proxyExceptions", "a\nb");
+    EXPECT_FALSE(system_.defaults.contains("performanceMode")) << "reading writes nothing";
+    system_.defaults.setBoolean("performanceMode", true);
+    system_.defaults.setBoolean("globalProxyJumpEnabled", true);
+    system_.defaults.setString("globalProxyJump", "jump");
+    system_.defaults.setString("proxyExceptions", "a\nb");
     storeHosts({hostNamed("a")});
     auto& manager = start();
     EXPECT_TRUE(manager.performanceMode().get());
     EXPECT_TRUE(manager.globalProxyJumpEnabled().get());
     EXPECT_EQ(manager.globalProxyJump().get(), "jump");
     EXPECT_EQ(manager.proxyExceptions().get(), "a\nb");
-    EXPECT_THAT(launcher_.last().arguments, Contains("jump")) << "known before the first host connects";
+    EXPECT_THAT(system_.launcher.last().arguments, Contains("jump")) << "known before the first host connects";
 }
 
 // ---- settings ----
@@ -201,46 +175,46 @@ TEST_F(TunnelManagerTest, SettingsAreWrittenAsTheyAreSet) {
     manager.setGlobalProxyJump("jump");
     manager.setGlobalProxyJumpEnabled(true);
     manager.setProxyExceptions("x\ny");
-    EXPECT_TRUE(defaults_.boolean("performanceMode"));
-    EXPECT_EQ(defaults_.string("globalProxyJump"), "jump");
-    EXPECT_TRUE(defaults_.boolean("globalProxyJumpEnabled"));
-    EXPECT_EQ(defaults_.string("proxyExceptions"), "x\ny");
+    EXPECT_TRUE(system_.defaults.boolean("performanceMode"));
+    EXPECT_EQ(system_.defaults.string("globalProxyJump"), "jump");
+    EXPECT_TRUE(system_.defaults.boolean("globalProxyJumpEnabled"));
+    EXPECT_EQ(system_.defaults.string("proxyExceptions"), "x\ny");
 }
 
 TEST_F(TunnelManagerTest, SwitchingTheGlobalJumpHostRestartsActiveHostsAndTypingDoesNot) {
     storeHosts({hostNamed("connected"), hostNamed("connecting"), hostNamed("failed")});
     auto& manager = start();
-    scheduler_.advance(3s);
+    system_.scheduler.advance(3s);
     const auto hosts = manager.hosts().get();
     manager.disconnect(hosts[1]);
     manager.connect(hosts[1]);
-    launcher_.process(2).exit(1);
-    scheduler_.runPosted();
-    ASSERT_EQ(launcher_.count(), 4U);
+    system_.launcher.process(2).exit(1);
+    system_.scheduler.runPosted();
+    ASSERT_EQ(system_.launcher.count(), 4U);
 
     manager.setGlobalProxyJump("j");
     manager.setGlobalProxyJump("ju");
-    EXPECT_EQ(launcher_.count(), 4U);
+    EXPECT_EQ(system_.launcher.count(), 4U);
     manager.setGlobalProxyJumpEnabled(true);
-    ASSERT_EQ(launcher_.count(), 6U);
-    EXPECT_EQ(launcher_.process(4).arguments.back(), "connected.example");
-    EXPECT_EQ(launcher_.process(5).arguments.back(), "connecting.example");
-    EXPECT_THAT(launcher_.process(4).arguments, Contains("ju"));
+    ASSERT_EQ(system_.launcher.count(), 6U);
+    EXPECT_EQ(system_.launcher.process(4).arguments.back(), "connected.example");
+    EXPECT_EQ(system_.launcher.process(5).arguments.back(), "connecting.example");
+    EXPECT_THAT(system_.launcher.process(4).arguments, Contains("ju"));
     manager.setGlobalProxyJumpEnabled(false);
-    EXPECT_EQ(launcher_.count(), 8U);
-    EXPECT_THAT(launcher_.last().arguments, Not(Contains("-J")));
+    EXPECT_EQ(system_.launcher.count(), 8U);
+    EXPECT_THAT(system_.launcher.last().arguments, Not(Contains("-J")));
 }
 
 TEST_F(TunnelManagerTest, ChangingPerformanceModeLeavesARunningTunnelAlone) {
     storeHosts({hostNamed("a")});
     auto& manager = start();
-    scheduler_.advance(3s);
+    system_.scheduler.advance(3s);
     manager.setPerformanceMode(true);
-    EXPECT_EQ(launcher_.count(), 1U);
-    EXPECT_EQ(launcher_.last().terminations, 0);
+    EXPECT_EQ(system_.launcher.count(), 1U);
+    EXPECT_EQ(system_.launcher.last().terminations, 0);
     manager.disconnect(manager.hosts()->front());
     manager.connect(manager.hosts()->front());
-    EXPECT_THAT(launcher_.last().arguments, Contains("GSSAPIAuthentication=no"));
+    EXPECT_THAT(system_.launcher.last().arguments, Contains("GSSAPIAuthentication=no"));
 }
 
 // ---- deleting ----
@@ -249,35 +223,35 @@ TEST_F(TunnelManagerTest, DeletingAConnectedHostStopsItAndForgetsItsPassword) {
     auto host = hostNamed("a");
     host.authMethod = AuthMethod::password;
     storeHosts({host, hostNamed("b")});
-    credentials_.items[{"com.velmora.app", host.id.toString()}] = "secret";
+    system_.credentials.items[{"com.velmora.app", host.id.toString()}] = "secret";
     auto& manager = start();
-    scheduler_.advance(3s);
+    system_.scheduler.advance(3s);
     manager.deleteHost(host.id);
-    EXPECT_EQ(launcher_.process(0).terminations, 1);
+    EXPECT_EQ(system_.launcher.process(0).terminations, 1);
     EXPECT_FALSE(manager.statuses()->contains(host.id));
-    EXPECT_THAT(credentials_.items, IsEmpty());
+    EXPECT_THAT(system_.credentials.items, IsEmpty());
     ASSERT_EQ(manager.hosts()->size(), 1U);
     EXPECT_EQ(manager.hosts()->front().name, "b");
     EXPECT_EQ(*decodeHosts(contentOf(hostsFile())), manager.hosts().get());
-    EXPECT_TRUE(std::filesystem::is_empty(runtime_.path()));
+    EXPECT_TRUE(std::filesystem::is_empty(system_.runtime.path()));
 }
 
 TEST_F(TunnelManagerTest, DeletingAHostInTheWaitLeavesNoRetry) {
     const auto host = hostNamed("a");
     storeHosts({host});
     auto& manager = start();
-    launcher_.last().exit(1);
-    scheduler_.runPosted();
+    system_.launcher.last().exit(1);
+    system_.scheduler.runPosted();
     manager.deleteHost(host.id);
-    scheduler_.advance(1h);
-    EXPECT_EQ(launcher_.count(), 1U);
+    system_.scheduler.advance(1h);
+    EXPECT_EQ(system_.launcher.count(), 1U);
 }
 
 TEST_F(TunnelManagerTest, DeletingAnUnknownHostStillForgetsItsPassword) {
     const auto id = Uuid::random();
-    credentials_.items[{"com.velmora.app", id.toString()}] = "secret";
+    system_.credentials.items[{"com.velmora.app", id.toString()}] = "secret";
     start().deleteHost(id);
-    EXPECT_THAT(credentials_.items, IsEmpty());
+    EXPECT_THAT(system_.credentials.items, IsEmpty());
     EXPECT_EQ(contentOf(hostsFile()), "[]");
 }
 
@@ -286,28 +260,29 @@ TEST_F(TunnelManagerTest, DeletingAnUnknownHostStillForgetsItsPassword) {
 TEST_F(TunnelManagerTest, AnAgentSocketInTheEnvironmentIsKept) {
     storeHosts({hostNamed("a")});
     start();
-    EXPECT_EQ(launcher_.last().environment, environment_);
-    EXPECT_THAT(runner_.runs, IsEmpty());
+    EXPECT_EQ(system_.launcher.last().environment, system_.environment);
+    EXPECT_THAT(system_.runner.runs, IsEmpty());
 }
 
 TEST_F(TunnelManagerTest, AMissingAgentSocketIsAskedOfTheSession) {
-    environment_ = {{"HOME", "/x"}, {"SSH_AUTH_SOCK", ""}};
-    runner_.answers["/bin/launchctl"] = {.status = 0, .standardOutput = " /private/agent \n", .standardError = {}};
+    system_.environment = {{"HOME", "/x"}, {"SSH_AUTH_SOCK", ""}};
+    system_.runner.answers["/bin/launchctl"] = {
+        .status = 0, .standardOutput = " /private/agent \n", .standardError = {}};
     storeHosts({hostNamed("a")});
     start();
-    EXPECT_EQ(launcher_.last().environment.at("SSH_AUTH_SOCK"), "/private/agent");
-    EXPECT_THAT(runner_.runs, ElementsAre(std::pair(std::string("/bin/launchctl"),
-                                                    std::vector<std::string>{"getenv", "SSH_AUTH_SOCK"})));
+    EXPECT_EQ(system_.launcher.last().environment.at("SSH_AUTH_SOCK"), "/private/agent");
+    EXPECT_THAT(system_.runner.runs, ElementsAre(std::pair(std::string("/bin/launchctl"),
+                                                           std::vector<std::string>{"getenv", "SSH_AUTH_SOCK"})));
 }
 
 TEST_F(TunnelManagerTest, WithoutAnAnswerTheEnvironmentStaysAsItIs) {
-    environment_ = {{"HOME", "/x"}};
+    system_.environment = {{"HOME", "/x"}};
     storeHosts({hostNamed("a")});
     start();
-    EXPECT_EQ(launcher_.last().environment, environment_);
-    runner_.answers["/bin/launchctl"] = {.status = 0, .standardOutput = "\n", .standardError = {}};
+    EXPECT_EQ(system_.launcher.last().environment, system_.environment);
+    system_.runner.answers["/bin/launchctl"] = {.status = 0, .standardOutput = "\n", .standardError = {}};
     start();
-    EXPECT_EQ(launcher_.last().environment, environment_);
+    EXPECT_EQ(system_.launcher.last().environment, system_.environment);
 }
 
 // ---- queries ----
@@ -317,15 +292,15 @@ TEST_F(TunnelManagerTest, UptimeFollowsTheConnectionTimeWhateverTheStatus) {
     auto& manager = start();
     const auto id = manager.hosts()->front().id;
     EXPECT_EQ(manager.uptimeString(id), std::nullopt);
-    scheduler_.advance(3s);
+    system_.scheduler.advance(3s);
     EXPECT_EQ(manager.uptimeString(id), "< 1m");
-    scheduler_.advance(59s);
+    system_.scheduler.advance(59s);
     EXPECT_EQ(manager.uptimeString(id), "< 1m");
-    scheduler_.advance(1s);
+    system_.scheduler.advance(1s);
     EXPECT_EQ(manager.uptimeString(id), "1m");
     manager.statuses().edit([&](StatusTable& table) { table[id] = ConnectionStatus::error("odd"); });
     EXPECT_EQ(manager.uptimeString(id), "1m");
-    scheduler_.shiftClock(-24h);
+    system_.scheduler.shiftClock(-24h);
     EXPECT_EQ(manager.uptimeString(id), "< 1m");
 }
 
@@ -336,10 +311,10 @@ TEST_F(TunnelManagerTest, OnlyConnectingAndConnectedHostsAreActive) {
     auto& manager = start();
     const auto host = manager.hosts()->front();
     EXPECT_TRUE(manager.isActive(host));
-    scheduler_.advance(3s);
+    system_.scheduler.advance(3s);
     EXPECT_TRUE(manager.isActive(host));
-    launcher_.last().exit(1);
-    scheduler_.runPosted();
+    system_.launcher.last().exit(1);
+    system_.scheduler.runPosted();
     EXPECT_FALSE(manager.isActive(host));
     EXPECT_FALSE(manager.isActive(quiet));
 }
@@ -367,7 +342,7 @@ TEST_F(TunnelManagerTest, PortsAreSuggestedAndJudgedFromTheList) {
 }
 
 TEST_F(TunnelManagerTest, TheLogStandsUnderTheHostsName) {
-    EXPECT_EQ(start().logURL(hostNamed("a")), home_ / "state/Logs/Velmora/a.log");
+    EXPECT_EQ(start().logURL(hostNamed("a")), system_.home / "state/Logs/Velmora/a.log");
 }
 
 }  // namespace

@@ -1,12 +1,6 @@
 #pragma once
 
-#include "fakes/FakeProcessLauncher.h"
-#include "fakes/FakeProcessRunner.h"
-#include "fakes/InMemoryDefaultsStore.h"
-#include "fakes/RecordingCredentialStore.h"
-#include "fakes/TemporaryDirectory.h"
-#include "fakes/VirtualScheduler.h"
-#include "manager/TunnelManager.h"
+#include "fakes/FakeSystem.h"
 
 #include <chrono>
 #include <string>
@@ -15,8 +9,7 @@
 namespace velmora {
 
 /// A real manager on a system of the test's own.
-class ManagerStand {
-public:
+struct ManagerStand : FakeSystem {
     static SSHHost hostNamed(const std::string& name) {
         SSHHost host;
         host.name = name;
@@ -46,24 +39,7 @@ public:
         scheduler.runPosted();
     }
 
-    TemporaryDirectory home;
-    VirtualScheduler scheduler;
-    FakeProcessLauncher launcher;
-    FakeProcessRunner runner;
-    RecordingCredentialStore credentials;
-    InMemoryDefaultsStore defaults;
-    TunnelManager manager{Platform{.paths = {.home = home.path(),
-                                             .applicationSupport = home / "share",
-                                             .library = home / "state",
-                                             .configuration = home / "config",
-                                             .temporary = home.path(),
-                                             .largeTemporary = home.path()},
-                                   .scheduler = scheduler,
-                                   .launcher = launcher,
-                                   .runner = runner,
-                                   .credentials = credentials,
-                                   .defaults = defaults,
-                                   .pacPort = 0}};
+    TunnelManager manager{platform()};
 };
 
 }  // namespace velmora
