@@ -9,6 +9,7 @@
 #include "platform/posix/IoThread.h"
 #include "platform/posix/SignalWatcher.h"
 #include "platform/posix/SpawnDetachedLauncher.h"
+#include "platform/posix/StandardStreams.h"
 #include "platform/posix/SystemProcessRunner.h"
 #include "platform/posix/ThreadWorker.h"
 #include "platform/qt/QtHttpClient.h"
@@ -34,6 +35,7 @@ void introduce() {
 }  // namespace
 
 int runVelmora(int argc, char** argv, const ProgramOptions& options) {
+    openMissingStandardStreams();
     const Paths paths = Paths::ofThisUser();
     const auto directory = paths.applicationSupport / "Velmora";
     SingleInstance instance(directory);

@@ -2,6 +2,7 @@
 #include "fakes/TemporaryDirectory.h"
 #include "fakes/Waiting.h"
 #include "platform/posix/AsioProcessLauncher.h"
+#include "platform/posix/StandardStreams.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -268,6 +269,27 @@ TEST_F(ProcessLauncherTest, ACrashOfTheParentEndsTheProcess) {
         const auto state = contentOf("/proc/" + std::to_string(child) + "/stat");
         return state.empty() || state.find(") Z ") != std::string::npos;
     }));
+}
+
+TEST_F(ProcessLauncherTest, AProgramStartedWithoutStreamsStartsOthersWithTheirs) {
+    const auto dump = directory_ / "dump";
+    const pid_t parent = ::fork();
+    if (parent == 0) {
+        for (const int stream : {0, 1, 2}) {
+            ::close(stream);
+        }
+        openMissingStandardStreams();
+        IoThread io;
+        AsioProcessLauncher launcher(io);
+        auto pipe = makePipe();
+        (void)launcher.launch({FAKESSH, {}, {{"FAKESSH_DUMP", dump}}, std::move(pipe->reading)},
+                              {[](std::string_view) {}, [](int) {}});
+        ::pause();
+    }
+    EXPECT_EQ(dumped("streams "), "pipe pipe pipe");
+    EXPECT_EQ(dumped("input "), "open");
+    ::kill(parent, SIGKILL);
+    ::waitpid(parent, nullptr, 0);
 }
 
 TEST_F(ProcessLauncherTest, NothingIsLeftOfManyProcesses) {

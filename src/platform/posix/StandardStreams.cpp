@@ -1,0 +1,20 @@
+#include "platform/posix/StandardStreams.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace velmora {
+
+void openMissingStandardStreams() {
+    for (;;) {
+        const int fd = ::open("/dev/null", O_RDWR);  // takes the lowest free number
+        if (fd > STDERR_FILENO) {
+            ::close(fd);
+        }
+        if (fd < 0 || fd > STDERR_FILENO) {
+            return;
+        }
+    }
+}
+
+}  // namespace velmora
