@@ -3,7 +3,7 @@
 namespace velmora {
 
 UpdateIdentity UpdateIdentity::ofThisBuild() {
-    return {.feedURL = "https://" VELMORA_UPDATE_HOST "/velmora/appcast.json",
+    return {.feedURL = std::string("https://") + VELMORA_UPDATE_HOST + "/velmora/appcast.json",
             .teamIdentifier = VELMORA_TEAM_IDENTIFIER,
             .publicKey = VELMORA_UPDATE_PUBLIC_KEY};
 }

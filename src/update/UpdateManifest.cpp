@@ -1,6 +1,8 @@
 #include "update/UpdateManifest.h"
 
-#include <boost/json.hpp>
+#include "model/JsonDocument.h"
+
+#include <boost/json/object.hpp>
 
 namespace velmora {
 
@@ -34,11 +36,12 @@ public:
 
 private:
     std::string text(std::string_view key, const json::value& value) {
-        if (!value.is_string()) {
+        const auto text = stringFrom(value);
+        if (!text) {
             fail("“" + std::string(key) + "” is not text");
             return {};
         }
-        return json::value_to<std::string>(value);
+        return std::string(*text);
     }
 
     void fail(const std::string& reason) {
@@ -54,12 +57,11 @@ private:
 }  // namespace
 
 Result<UpdateManifest, Error> decodeManifest(std::string_view text) {
-    json::error_code error;
-    const auto document = json::parse({text.data(), text.size()}, error);
-    if (error) {
+    const auto document = JsonDocument::parse(text, text.size());
+    if (!document) {
         return Error{"The update feed cannot be read: it is not valid JSON."};
     }
-    const auto* object = document.if_object();
+    const auto* object = document->root().if_object();
     if (object == nullptr) {
         return Error{"The update feed cannot be read: it is not a JSON object."};
     }

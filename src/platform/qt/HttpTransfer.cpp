@@ -11,7 +11,7 @@ namespace velmora {
 
 namespace {
 
-constexpr qint64 readBuffer = 256 * 1024;
+constexpr qint64 readBuffer = qint64{256} * 1024;
 constexpr auto cancellationInterval = std::chrono::milliseconds(100);
 constexpr qint64 progressInterval = 100;  // milliseconds
 constexpr int mostRedirects = 10;
