@@ -93,6 +93,20 @@ TEST_F(InstallationTest, VersionTextsMustBeTheSame) {
     EXPECT_EQ(failure(manifest), "Download rejected: bundle is v2.0, manifest promised v2.0.0.");
 }
 
+TEST_F(InstallationTest, ABinaryInfoPlistIsRead) {
+    const auto plist = stand.release / "Contents/Info.plist";
+    mustRun("/usr/bin/python3",
+            {"-c",
+             "import plistlib, sys\n"
+             "with open(sys.argv[1], 'wb') as file:\n"
+             "    plistlib.dump({'CFBundleShortVersionString': '2.0'}, file, fmt=plistlib.FMT_BINARY)",
+             plist.string()});
+    ASSERT_TRUE(contentOf(plist).starts_with("bplist00"));
+    stand.seal(stand.signingKey);
+    stand.pack();
+    EXPECT_TRUE(stand.install(stand.manifest()));
+}
+
 TEST_F(InstallationTest, ABadDownloadUrl) {
     auto manifest = stand.manifest();
     for (const char* url : {"", "no url", "/relative.zip", "http://", "https://[bad/x.zip"}) {
