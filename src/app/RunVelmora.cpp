@@ -1,7 +1,6 @@
 #include "app/RunVelmora.h"
 
 #include "app/MessageBoxAlert.h"
-#include "manager/TunnelManager.h"
 #include "platform/Paths.h"
 #include "platform/SystemServices.h"
 #include "platform/posix/AsioProcessLauncher.h"
@@ -94,7 +93,7 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
          .defaultFeedURL = identity.feedURL,
          .terminate = [&app] { app.quit(); }});
     updater.start();
-    options.beforeLoop(updater);
+    options.beforeLoop(manager, updater);
     return QApplication::exec();
 }
 

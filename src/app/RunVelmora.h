@@ -1,5 +1,6 @@
 #pragma once
 
+#include "manager/TunnelManager.h"
 #include "update/UpdateIdentity.h"
 #include "update/Updater.h"
 
@@ -14,7 +15,8 @@ struct ProgramOptions {
     std::string sshProgram = "/usr/bin/ssh";
     std::uint16_t pacPort = 18087;  ///< 0 is any free port
     UpdateIdentity updateIdentity = UpdateIdentity::ofThisBuild();
-    std::function<void(Updater&)> beforeLoop = [](Updater&) {};  ///< everything is there, nothing has happened yet
+    /// Called when everything is there and before anything happens.
+    std::function<void(TunnelManager&, Updater&)> beforeLoop = [](TunnelManager&, Updater&) {};
 };
 
 /// The whole program: puts the parts together, runs, and returns the exit status.

@@ -56,9 +56,10 @@ bool isAttached(UChar32 c) {
 
 /// Whether a word that begins with a letter may begin at `position`.
 bool wordMayBegin(Text text, std::size_t position) {
+    const char16_t* units = text.data();
     while (position > 0) {
         UChar32 c = 0;
-        U16_PREV(text.data(), std::size_t{0}, position, c);
+        U16_PREV(units, std::size_t{0}, position, c);
         if (!isAttached(c)) {
             return !isWordCharacter(c);
         }
@@ -71,8 +72,9 @@ bool wordMayEnd(Text text, std::size_t position) {
     if (position == text.size()) {
         return true;
     }
+    const char16_t* units = text.data();
     UChar32 c = 0;
-    U16_GET(text.data(), std::size_t{0}, position, text.size(), c);
+    U16_GET(units, std::size_t{0}, position, text.size(), c);
     return !isAttached(c) && !isWordCharacter(c);
 }
 

@@ -101,6 +101,7 @@ std::string portList(const std::vector<Entry>& entries) {
         ports.insert(entry.port);
     }
     std::vector<std::string> texts;
+    texts.reserve(ports.size());
     for (const auto port : ports) {
         texts.push_back(std::to_string(port));
     }

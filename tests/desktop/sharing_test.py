@@ -6,7 +6,7 @@ import os
 import desktop as stand
 from desktop import host, run_tests, ssh_children, wait_until
 
-SHARE_WITHIN = 6.0  # seconds from a save on one side to the other side's hosts file
+SHARE_WITHIN = 6.0  # seconds from a save on one side until both hosts files are equal
 
 
 def hosts_path(home):
@@ -47,9 +47,15 @@ class Pair:
     def start(self):
         for home in self.homes:
             environment = {**self.desktop.environment, "HOME": home, "XDG_RUNTIME_DIR": os.path.join(home, "run")}
-            program = stand.subprocess.Popen([stand.PROGRAM], env=environment)
+            program = stand.subprocess.Popen([stand.PROGRAM], env=environment, stdin=stand.subprocess.PIPE)
             self.desktop.processes.append(program)
             self.programs.append(program)
+
+    def save_in(self, program, hosts):
+        """The user of one of the programs saves."""
+        pipe = self.programs[program].stdin
+        pipe.write(json.dumps(hosts).encode() + b"\n")
+        pipe.flush()
 
     def save_elsewhere(self, hosts):
         """A third machine saves: whole, as the service that keeps the folder in step delivers it."""
@@ -60,34 +66,46 @@ class Pair:
 
     def wait_for(self, hosts, what):
         names = [each["name"] for each in hosts]
-        wait_until(lambda: all(names_in(hosts_path(home)) == names for home in self.homes), what, SHARE_WITHIN)
-        first, second = (content(hosts_path(home)) for home in self.homes)
-        assert first == second, f"{what}: the hosts files differ"
+        paths = [hosts_path(home) for home in self.homes]
+        wait_until(lambda: names_in(paths[0]) == names and content(paths[0]) == content(paths[1]),
+                   f"{what}, and both hosts files are equal", SHARE_WITHIN)
 
 
-def a_list_that_is_created_edited_reordered_and_shortened_reaches_both(desktop):
+def what_one_creates_edits_reorders_or_deletes_the_other_has_within_seconds(desktop):
+    pair = Pair(desktop)
+    pair.start()
+    stand.stays(lambda: names_in(hosts_path(pair.homes[0])) is None, "nothing is saved by itself", 0.2)
+    hosts = [host("one"), host("two")]
+    pair.save_in(0, hosts)
+    pair.wait_for(hosts, "the first creates two")
+
+    hosts.append(host("three"))
+    pair.save_in(1, hosts)
+    pair.wait_for(hosts, "the second creates one more")
+
+    hosts[0]["name"] = "one, renamed"
+    hosts[0]["port"] = 2222
+    pair.save_in(0, hosts)
+    pair.wait_for(hosts, "the first edits one")
+
+    hosts.reverse()
+    pair.save_in(1, hosts)
+    pair.wait_for(hosts, "the second reorders them")
+
+    del hosts[1]
+    pair.save_in(0, hosts)
+    pair.wait_for(hosts, "the first deletes one")
+
+
+def a_list_from_a_third_machine_reaches_both(desktop):
     pair = Pair(desktop)
     hosts = [host("one"), host("two")]
     pair.save_elsewhere(hosts)
     pair.start()
     pair.wait_for(hosts, "both take the folder's list over at their first look")
-
-    hosts.append(host("three"))
-    pair.save_elsewhere(hosts)
-    pair.wait_for(hosts, "a host is created")
-
-    hosts[0]["name"] = "one, renamed"
-    hosts[0]["port"] = 2222
-    pair.save_elsewhere(hosts)
-    pair.wait_for(hosts, "a host is edited")
-
     hosts.reverse()
     pair.save_elsewhere(hosts)
-    pair.wait_for(hosts, "the hosts are reordered")
-
-    del hosts[1]
-    pair.save_elsewhere(hosts)
-    pair.wait_for(hosts, "a host is deleted")
+    pair.wait_for(hosts, "and the next one")
 
 
 def a_host_that_is_removed_elsewhere_is_stopped_and_the_others_run_on(desktop):
@@ -99,7 +117,7 @@ def a_host_that_is_removed_elsewhere_is_stopped_and_the_others_run_on(desktop):
     wait_until(lambda: len(ssh_children(pair.programs[0])) == 2, "both hosts of the first home are started")
     pair.wait_for(hosts, "both have the list")
     staying = [arguments for arguments in ssh_children(pair.programs[0])]
-    pair.save_elsewhere(hosts[:1])
+    pair.save_in(1, hosts[:1])
     pair.wait_for(hosts[:1], "the shorter list arrives")
     wait_until(lambda: len(ssh_children(pair.programs[0])) == 1, "the removed host's ssh gets SIGTERM and ends")
     assert ssh_children(pair.programs[0])[0] in staying
@@ -121,7 +139,8 @@ def a_folder_that_vanishes_changes_nothing_and_is_used_again_when_it_is_back(des
 
 
 run_tests(
-    a_list_that_is_created_edited_reordered_and_shortened_reaches_both,
+    what_one_creates_edits_reorders_or_deletes_the_other_has_within_seconds,
+    a_list_from_a_third_machine_reaches_both,
     a_host_that_is_removed_elsewhere_is_stopped_and_the_others_run_on,
     a_folder_that_vanishes_changes_nothing_and_is_used_again_when_it_is_back,
 )

@@ -118,7 +118,7 @@ int main(int argc, char** argv) {
     velmora::ProgramOptions options;
     options.pacPort = 0;
     options.updateIdentity.publicKey = environment("VELMORA_TEST_UPDATE_KEY");
-    options.beforeLoop = [&](velmora::Updater& updater) {
+    options.beforeLoop = [&](velmora::TunnelManager&, velmora::Updater& updater) {
         installer = std::make_unique<SelfInstaller>();
         installer->watch(updater);
     };
