@@ -29,6 +29,8 @@ if(VELMORA_SANITIZE MATCHES thread)
   target_compile_definitions(velmora_flags INTERFACE BOOST_ASIO_DISABLE_FENCED_BLOCK)
 endif()
 if(VELMORA_SANITIZE)
+  # With the sanitizers' code in between, GCC takes values of the standard library for uninitialised.
+  target_compile_options(velmora_flags INTERFACE -Wno-maybe-uninitialized)
   # Without the check of objects' types: it opens a pipe to look at them, and takes a lack of descriptors for a wrong one.
   target_compile_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer
                                                  -fno-sanitize-recover=all -fno-sanitize=vptr)
