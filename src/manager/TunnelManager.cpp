@@ -202,7 +202,7 @@ void TunnelManager::keepUnreadableHostsFile() {
     }
 }
 
-void TunnelManager::deleteHost(const Uuid& id) {
+void TunnelManager::deleteHost(Uuid id) {
     if (const auto* host = findHost(id)) {
         disconnect(SSHHost(*host));
     }
