@@ -202,14 +202,16 @@ void TunnelManager::keepUnreadableHostsFile() {
     }
 }
 
-void TunnelManager::deleteHost(Uuid id) {
-    if (const auto* host = findHost(id)) {
+void TunnelManager::deleteHost(const Uuid& id) {
+    const Uuid removed = id;  // the one passed in may stand in the list itself
+    if (const auto* host = findHost(removed)) {
         disconnect(SSHHost(*host));
     }
-    hosts_.edit(
-        [&](std::vector<SSHHost>& hosts) { std::erase_if(hosts, [&](const SSHHost& host) { return host.id == id; }); });
-    engine_->removeStatus(id);
-    keychain_.remove(id);
+    hosts_.edit([&](std::vector<SSHHost>& hosts) {
+        std::erase_if(hosts, [&](const SSHHost& host) { return host.id == removed; });
+    });
+    engine_->removeStatus(removed);
+    keychain_.remove(removed);
     save();
 }
 

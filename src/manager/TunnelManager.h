@@ -62,9 +62,8 @@ public:
 
     /// Writes the hosts file and the shared folder's. A change of `hosts` by itself writes nothing. Errors are silent.
     void save();
-    /// Stops the host, forgets it, its status and its password, and saves. By value: the id may stand in the list
-    /// itself.
-    void deleteHost(Uuid id);
+    /// Stops the host, forgets it, its status and its password, and saves.
+    void deleteHost(const Uuid& id);
     /// The host with this id, or null. Valid until `hosts` changes.
     [[nodiscard]] const SSHHost* findHost(const Uuid& id) const;
 
