@@ -77,10 +77,6 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.head(Content_Length=1000)
         self.wfile.write(b"x" * 100)
 
-    def answer_cut_chunks(self, _):
-        self.head(Transfer_Encoding="chunked")
-        self.wfile.write(b"5\r\nhello\r\n")
-
     def answer_understated(self, _):
         self.head(Content_Length=5)
         self.wfile.write(b"hello and more")
