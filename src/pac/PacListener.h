@@ -60,6 +60,7 @@ private:
     explicit PacListener(Source source);
 
     [[nodiscard]] bool open(std::uint16_t port);
+    void run();
     void waitForConnections();
     void acceptConnections();
     void serveAccepted();
