@@ -1,6 +1,6 @@
 #include "app/RunVelmora.h"
 
-#include "app/MessageBoxAlert.h"
+#include "app/UpdateDialog.h"
 #include "platform/Paths.h"
 #include "platform/SystemServices.h"
 #include "platform/posix/AsioProcessLauncher.h"
@@ -13,7 +13,9 @@
 #include "platform/posix/ThreadWorker.h"
 #include "platform/qt/QtHttpClient.h"
 #include "platform/qt/QtScheduler.h"
+#include "platform/qt/QtWorkspace.h"
 #include "platform/qt/SingleInstance.h"
+#include "ui/SystemDialogs.h"
 #include "ui/VelmoraApp.h"
 #include "update/CodeRequirement.h"
 #include "update/Updater.h"
@@ -26,6 +28,7 @@ namespace {
 
 void introduce() {
     QApplication::setApplicationName(QStringLiteral("Velmora"));
+    QApplication::setApplicationVersion(QStringLiteral(VELMORA_VERSION));
     QApplication::setOrganizationDomain(QStringLiteral("velmora.com"));
     QApplication::setDesktopFileName(QStringLiteral("com.velmora.app"));
     QApplication::setQuitOnLastWindowClosed(false);
@@ -64,12 +67,8 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
                            .sshProgram = options.sshProgram,
                            .pacPort = options.pacPort});
 
-    const auto tray = makeTrayWatcher();
     const auto policy = makeActivationPolicy();
-    VelmoraApp app(manager, *tray, *policy, directory / "hosts.json");
-    shell = &app;
-    instance.onKnock([&app] { app.openManagedWindow("main"); });
-
+    SystemDialogs dialogs(*policy);
     QtHttpClient http;
     const auto& identity = options.updateIdentity;
     const auto bundleTools = makeBundleTools(runner,
@@ -78,7 +77,7 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
                                               .codeRequirement = codeRequirement(identity.teamIdentifier)},
                                              paths);
     SpawnDetachedLauncher detachedLauncher;
-    MessageBoxAlert alert(*policy);
+    UpdateDialog alert(dialogs);
     ThreadWorker worker;
     Updater updater(
         {.scheduler = scheduler,
@@ -91,7 +90,22 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
          .temporaryFolder = paths.largeTemporary,
          .runningBundle = RunningBundle::ofProgram(QApplication::applicationFilePath().toStdString(), VELMORA_VERSION),
          .defaultFeedURL = identity.feedURL,
-         .terminate = [&app] { app.quit(); }});
+         .terminate = [&shell] { shell->quit(); }});
+
+    const auto tray = makeTrayWatcher();
+    const auto launchAtLogin = makeLaunchAtLogin(paths);
+    QtWorkspace workspace;
+    VelmoraApp app({.manager = manager,
+                    .updater = updater,
+                    .defaults = *defaults,
+                    .dialogs = dialogs,
+                    .workspace = workspace,
+                    .launchAtLogin = *launchAtLogin,
+                    .tray = *tray,
+                    .policy = *policy,
+                    .teamIdentifier = identity.teamIdentifier});
+    shell = &app;
+    instance.onKnock([&app] { app.openManagedWindow(windows::main); });
     updater.start();
     options.beforeLoop(manager, updater);
     return QApplication::exec();

@@ -4,6 +4,7 @@
 #include "platform/BundleTools.h"
 #include "platform/CredentialStore.h"
 #include "platform/DefaultsStore.h"
+#include "platform/LaunchAtLogin.h"
 #include "platform/Paths.h"
 #include "platform/ProcessRunner.h"
 #include "platform/TrayWatcher.h"
@@ -19,6 +20,7 @@ std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& paths);
 std::unique_ptr<CredentialStore> makeCredentialStore();
 std::unique_ptr<TrayWatcher> makeTrayWatcher();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
+std::unique_ptr<LaunchAtLogin> makeLaunchAtLogin(const Paths& paths);
 
 /// Whom an update must be signed by, in the terms of each system.
 struct BundleTrust {

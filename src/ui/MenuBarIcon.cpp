@@ -1,6 +1,6 @@
 #include "ui/MenuBarIcon.h"
 
-#include "ui/TrayIconEngine.h"
+#include "ui/SymbolIcon.h"
 
 #include <QMenu>
 #include <QStringList>
@@ -84,7 +84,7 @@ void MenuBarIcon::refresh() {
 
 QIcon MenuBarIcon::icon(const QString& symbol, TrayKind kind) {
     keepDrawings();
-    QIcon drawing(new TrayIconEngine(QStringLiteral(":/icons/%1.svg").arg(symbol), tint(kind)));
+    QIcon drawing = symbolIcon(symbol, tint(kind));
     drawing.setIsMask(kind == TrayKind::menuBar);
     return drawing;
 }

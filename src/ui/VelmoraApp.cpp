@@ -12,21 +12,31 @@ namespace velmora {
 
 namespace {
 
-constexpr std::string_view mainWindowId = "main";
-
 bool isTitledAndVisible(const QWidget* window) {
     return window->isVisible() && (window->windowType() == Qt::Window || window->windowType() == Qt::Dialog);
 }
 
 }  // namespace
 
-VelmoraApp::VelmoraApp(TunnelManager& manager, TrayWatcher& tray, ActivationPolicy& policy,
-                       std::filesystem::path hostsFile)
-    : manager_(manager), policy_(policy), hostsFile_(std::move(hostsFile)) {
+VelmoraApp::VelmoraApp(const Parts& parts)
+    : manager_(parts.manager),
+      dialogs_(parts.dialogs),
+      policy_(parts.policy),
+      commands_(parts.manager.hostListAccess(), parts.dialogs, [this] { quit(); }),
+      services_{.manager = parts.manager,
+                .updater = parts.updater,
+                .defaults = parts.defaults,
+                .dialogs = parts.dialogs,
+                .workspace = parts.workspace,
+                .launchAtLogin = parts.launchAtLogin,
+                .commands = commands_,
+                .openManagedWindow = [this](std::string_view id) { openManagedWindow(id); },
+                .teamIdentifier = parts.teamIdentifier} {
     refreshSoon_.setSingleShot(true);
     connect(&refreshSoon_, &QTimer::timeout, this, &VelmoraApp::refresh);
     subscriptions_.push_back(manager_.hosts().observe([this] { refreshSoon_.start(0); }));
     subscriptions_.push_back(manager_.statuses().observe([this] { refreshSoon_.start(0); }));
+    subscriptions_.push_back(commands_.importResult().observe([this] { showImportResult(); }));
 
     connect(qApp, &QCoreApplication::aboutToQuit, this, &VelmoraApp::shutDown);
     // The session is not to bring the program back by itself; that is what "Launch at Login" is for.
@@ -34,13 +44,13 @@ VelmoraApp::VelmoraApp(TunnelManager& manager, TrayWatcher& tray, ActivationPoli
     connect(qApp, &QGuiApplication::saveStateRequest, this, neverRestart, Qt::DirectConnection);
     connect(qApp, &QGuiApplication::commitDataRequest, this, neverRestart, Qt::DirectConnection);
 
-    tray.start([this](TrayKind kind) { trayFound(kind); }, [this] { openManagedWindow(mainWindowId); });
+    parts.tray.start([this](TrayKind kind) { trayFound(kind); }, [this] { openManagedWindow(windows::main); });
 }
 
 VelmoraApp::~VelmoraApp() = default;
 
 void VelmoraApp::trayFound(TrayKind kind) {
-    const auto openMainWindow = [this] { openManagedWindow(mainWindowId); };
+    const auto openMainWindow = [this] { openManagedWindow(windows::main); };
     const auto drawnAs = kind == TrayKind::statusNotifier ? MenuText::exported : MenuText::widget;
     content_ = std::make_unique<MenuBarContent>(
         manager_, drawnAs, MenuBarContent::Actions{.openMainWindow = openMainWindow, .quit = [this] { quit(); }});
@@ -61,20 +71,13 @@ void VelmoraApp::trayFound(TrayKind kind) {
 }
 
 void VelmoraApp::openManagedWindow(std::string_view id) {
-    if (id != mainWindowId) {
+    if (!ManagedWindows::contains(id)) {
         return;
     }
     policy_.setRegular();
-    if (!mainWindow_) {
-        mainWindow_ = std::make_unique<HostListWindow>(manager_, hostsFile_, [this] { quit(); });
-        mainWindow_->installEventFilter(this);
-    }
-    if (mainWindow_->isMinimized()) {
-        mainWindow_->showNormal();
-    }
-    mainWindow_->show();
-    mainWindow_->raise();
-    mainWindow_->activateWindow();
+    ManagedWindow& window = windows_.open(id);
+    window.removeEventFilter(this);
+    window.installEventFilter(this);
     policy_.activate();
 }
 
@@ -109,9 +112,16 @@ void VelmoraApp::refresh() {
         content_->refresh();
         icon_->refresh();
     }
-    if (mainWindow_) {
-        mainWindow_->refresh();
+}
+
+void VelmoraApp::showImportResult() {
+    const auto& result = commands_.importResult().get();
+    if (!result) {
+        return;
     }
+    dialogs_.alert(
+        {.message = tr(importAlertTitle), .informativeText = QString::fromStdString(importAlertMessage(*result))},
+        [this] { commands_.importResult().set({}); });
 }
 
 }  // namespace velmora

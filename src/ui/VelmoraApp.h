@@ -3,15 +3,17 @@
 #include "manager/TunnelManager.h"
 #include "platform/ActivationPolicy.h"
 #include "platform/TrayWatcher.h"
-#include "ui/HostListWindow.h"
+#include "ui/AppCommands.h"
+#include "ui/ManagedWindows.h"
 #include "ui/MenuBarContent.h"
 #include "ui/MenuBarIcon.h"
+#include "ui/WindowServices.h"
 
 #include <QObject>
 #include <QTimer>
 
-#include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,11 +25,23 @@ class VelmoraApp final : public QObject {
     Q_OBJECT
 
 public:
-    /// What is passed in outlives the shell.
-    VelmoraApp(TunnelManager& manager, TrayWatcher& tray, ActivationPolicy& policy, std::filesystem::path hostsFile);
+    /// What the shell works with. All of it outlives the shell.
+    struct Parts {
+        TunnelManager& manager;
+        Updater& updater;
+        DefaultsStore& defaults;
+        Dialogs& dialogs;
+        Workspace& workspace;
+        LaunchAtLogin& launchAtLogin;
+        TrayWatcher& tray;
+        ActivationPolicy& policy;
+        std::string teamIdentifier;
+    };
+
+    explicit VelmoraApp(const Parts& parts);
     ~VelmoraApp() override;
 
-    /// Opens the window of this name, or brings it forward when it is open. "main" is there; other names do nothing.
+    /// Opens the window of this name, or brings it forward when it is open. A name that no window has does nothing.
     void openManagedWindow(std::string_view id);
 
     /// Stops every tunnel and ends the program's event loop. However often and from wherever it is called, the tunnels
@@ -37,8 +51,9 @@ public:
     /// Null until there is a place for it.
     [[nodiscard]] MenuBarIcon* icon() { return icon_.get(); }
     [[nodiscard]] MenuBarContent* content() { return content_.get(); }
-    /// Null until it is opened for the first time.
-    [[nodiscard]] HostListWindow* mainWindow() { return mainWindow_.get(); }
+    [[nodiscard]] AppCommands& commands() { return commands_; }
+    /// Null while it is closed.
+    [[nodiscard]] ManagedWindow* window(std::string_view id) const { return windows_.find(id); }
 
 private:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -46,16 +61,19 @@ private:
     void shutDown();
     void refresh();
     void followWindows();
+    void showImportResult();
 
     TunnelManager& manager_;
+    Dialogs& dialogs_;
     ActivationPolicy& policy_;
-    std::filesystem::path hostsFile_;
     bool shutDown_ = false;
 
     QTimer refreshSoon_;  ///< one run for however many changes a turn of the event loop brings
+    AppCommands commands_;
+    WindowServices services_;
+    ManagedWindows windows_{services_};
     std::unique_ptr<MenuBarContent> content_;
     std::unique_ptr<MenuBarIcon> icon_;
-    std::unique_ptr<HostListWindow> mainWindow_;
     std::vector<Subscription> subscriptions_;
 };
 

@@ -1,5 +1,5 @@
-#include "ui/ManagerStand.h"
 #include "ui/VelmoraApp.h"
+#include "ui/WindowStand.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -38,7 +38,20 @@ public:
 
 class VelmoraAppTest : public testing::Test {
 protected:
-    VelmoraAppTest() { app.emplace(stand.manager, tray, policy, "/hosts.json"); }
+    VelmoraAppTest() {
+        app.emplace(VelmoraApp::Parts{.manager = stand.manager,
+                                      .updater = stand.updater,
+                                      .defaults = stand.defaults,
+                                      .dialogs = stand.dialogs,
+                                      .workspace = stand.workspace,
+                                      .launchAtLogin = stand.launchAtLogin,
+                                      .tray = tray,
+                                      .policy = policy,
+                                      .teamIdentifier = "TEAM123456"});
+    }
+    ~VelmoraAppTest() override { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+
+    [[nodiscard]] ManagedWindow* mainWindow() const { return app->window("main"); }
 
     QAction* entry(const QString& text) {
         for (QAction* action : app->content()->menu().actions()) {
@@ -49,7 +62,7 @@ protected:
         return nullptr;
     }
 
-    ManagerStand stand;
+    WindowStand stand;
     FakeTray tray;
     RecordingPolicy policy;
     std::optional<VelmoraApp> app;
@@ -57,36 +70,36 @@ protected:
 
 TEST_F(VelmoraAppTest, NeitherIconNorWindowBeforeTheDesktopHasAnswered) {
     EXPECT_EQ(app->icon(), nullptr);
-    EXPECT_EQ(app->mainWindow(), nullptr);
+    EXPECT_EQ(mainWindow(), nullptr);
 }
 
 TEST_F(VelmoraAppTest, WithATrayThereIsAnIconAndNoWindow) {
     tray.appear(TrayKind::embedded);
     ASSERT_NE(app->icon(), nullptr);
-    EXPECT_EQ(app->mainWindow(), nullptr);
+    EXPECT_EQ(mainWindow(), nullptr);
     EXPECT_THAT(policy.calls, IsEmpty());
 }
 
 TEST_F(VelmoraAppTest, WithoutATrayTheMainWindowOpensAndALateTrayIsTaken) {
     tray.report();
-    ASSERT_NE(app->mainWindow(), nullptr);
-    EXPECT_TRUE(app->mainWindow()->isVisible());
+    ASSERT_NE(mainWindow(), nullptr);
+    EXPECT_TRUE(mainWindow()->isVisible());
     tray.appear(TrayKind::statusNotifier);
     EXPECT_NE(app->icon(), nullptr);
-    EXPECT_TRUE(app->mainWindow()->isVisible());
+    EXPECT_TRUE(mainWindow()->isVisible());
 }
 
 TEST_F(VelmoraAppTest, OpenMainWindowWhileItIsOpenBringsItForwardAndOpensNoSecond) {
     tray.appear(TrayKind::embedded);
     entry(QStringLiteral("Open Main Window"))->trigger();
-    const HostListWindow* window = app->mainWindow();
+    const ManagedWindow* window = mainWindow();
     ASSERT_NE(window, nullptr);
     QWidget other;
     other.show();
     other.activateWindow();
     entry(QStringLiteral("Open Main Window"))->trigger();
-    EXPECT_EQ(app->mainWindow(), window);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(app->mainWindow()));
+    EXPECT_EQ(mainWindow(), window);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(mainWindow()));
     const auto windows = QApplication::topLevelWidgets();
     EXPECT_EQ(std::count_if(windows.begin(), windows.end(),
                             [](const QWidget* widget) { return widget->windowTitle() == QStringLiteral("Velmora"); }),
@@ -95,9 +108,9 @@ TEST_F(VelmoraAppTest, OpenMainWindowWhileItIsOpenBringsItForwardAndOpensNoSecon
 
 TEST_F(VelmoraAppTest, OpeningAMinimizedWindowRestoresIt) {
     app->openManagedWindow("main");
-    app->mainWindow()->showMinimized();
+    mainWindow()->showMinimized();
     app->openManagedWindow("main");
-    EXPECT_FALSE(app->mainWindow()->isMinimized());
+    EXPECT_FALSE(mainWindow()->isMinimized());
 }
 
 TEST_F(VelmoraAppTest, OpeningAWindowMakesTheProgramRegularFirstAndActiveLast) {
@@ -113,7 +126,7 @@ TEST_F(VelmoraAppTest, AnUnknownWindowDoesNothing) {
 TEST_F(VelmoraAppTest, ClosingTheLastTitledWindowHidesTheDockIcon) {
     app->openManagedWindow("main");
     policy.calls.clear();
-    app->mainWindow()->close();
+    mainWindow()->close();
     EXPECT_THAT(policy.calls, IsEmpty()) << "one turn later, when the window is gone";
     QApplication::processEvents();
     EXPECT_THAT(policy.calls, testing::Contains("accessory"));
@@ -124,9 +137,49 @@ TEST_F(VelmoraAppTest, ClosingAWindowWhileAnotherIsOpenLeavesTheDockIcon) {
     policy.calls.clear();
     QDialog other;
     other.show();
-    app->mainWindow()->close();
+    mainWindow()->close();
     QApplication::processEvents();
     EXPECT_THAT(policy.calls, IsEmpty());
+}
+
+TEST_F(VelmoraAppTest, EveryWindowOpensOnceUnderItsTitle) {
+    const std::vector<std::pair<std::string, QString>> titles{
+        {"main", QStringLiteral("Velmora")},
+        {"settings", QStringLiteral("Settings")},
+        {"about", QStringLiteral("About Velmora")},
+        {"pac-editor", QStringLiteral("PAC Editor")},
+        {"exceptions-editor", QStringLiteral("Proxy Exceptions")},
+        {"quick-exception", QStringLiteral("Add Proxy Exception")},
+    };
+    for (const auto& [id, title] : titles) {
+        app->openManagedWindow(id);
+        ManagedWindow* window = app->window(id);
+        ASSERT_NE(window, nullptr) << id;
+        EXPECT_EQ(window->windowTitle(), title);
+        app->openManagedWindow(id);
+        EXPECT_EQ(app->window(id), window);
+    }
+}
+
+TEST_F(VelmoraAppTest, AWindowThatWasClosedOpensAgain) {
+    app->openManagedWindow("settings");
+    app->window("settings")->close();
+    EXPECT_EQ(app->window("settings"), nullptr);
+    app->openManagedWindow("settings");
+    EXPECT_NE(app->window("settings"), nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_NE(app->window("settings"), nullptr) << "only the old one goes";
+}
+
+TEST_F(VelmoraAppTest, AnImportSaysWhatItBroughtUntilTheUserHasSeenIt) {
+    app->commands().importResult().set(ImportResult{.imported = 1});
+    ASSERT_EQ(stand.dialogs.alerts.size(), 1U);
+    EXPECT_EQ(stand.dialogs.alerts[0].message, QStringLiteral("Import Complete"));
+    EXPECT_EQ(stand.dialogs.alerts[0].informativeText, QStringLiteral("Imported 1 tunnel."));
+    EXPECT_TRUE(app->commands().importResult().get());
+    stand.dialogs.dismissAlert();
+    EXPECT_FALSE(app->commands().importResult().get());
+    EXPECT_EQ(stand.dialogs.alerts.size(), 1U);
 }
 
 TEST_F(VelmoraAppTest, ManyChangesInOneTurnAreOneRefresh) {

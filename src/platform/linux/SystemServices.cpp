@@ -1,5 +1,6 @@
 #include "platform/SystemServices.h"
 
+#include "platform/linux/AutostartEntry.h"
 #include "platform/linux/LinuxBundleTools.h"
 #include "platform/linux/LinuxTrayWatcher.h"
 #include "platform/linux/SecretServiceStore.h"
@@ -33,6 +34,12 @@ std::unique_ptr<TrayWatcher> makeTrayWatcher() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<WindowsDecide>();
+}
+
+std::unique_ptr<LaunchAtLogin> makeLaunchAtLogin(const Paths& paths) {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return std::make_unique<AutostartEntry>(paths.configuration, program);
 }
 
 std::unique_ptr<BundleTools> makeBundleTools(ProcessRunner& runner, const BundleTrust& trust, const Paths& paths) {

@@ -2,6 +2,7 @@
 
 #include "platform/macos/DockPolicy.h"
 #include "platform/macos/KeychainCredentialStore.h"
+#include "platform/macos/LoginItem.h"
 #include "platform/macos/MacBundleTools.h"
 #include "platform/qt/QtDefaultsStore.h"
 
@@ -45,6 +46,10 @@ std::unique_ptr<TrayWatcher> makeTrayWatcher() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<DockPolicy>();
+}
+
+std::unique_ptr<LaunchAtLogin> makeLaunchAtLogin(const Paths& /*paths*/) {
+    return std::make_unique<LoginItem>();
 }
 
 std::unique_ptr<BundleTools> makeBundleTools(ProcessRunner& runner, const BundleTrust& trust, const Paths& /*paths*/) {

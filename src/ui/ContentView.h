@@ -1,37 +1,40 @@
 #pragma once
 
-#include "manager/TunnelManager.h"
+#include "base/Observable.h"
 #include "ui/HostListModel.h"
+#include "ui/ManagedWindow.h"
 
 #include <QListView>
-#include <QMainWindow>
+#include <QTimer>
 
-#include <filesystem>
-#include <functional>
+#include <vector>
 
 class QLabel;
 class QStackedWidget;
 
 namespace velmora {
 
+struct WindowServices;
+
 /// The main window: the hosts in a list. A double click or Return connects a host or disconnects it. Main thread.
-class HostListWindow final : public QMainWindow {
+class ContentView final : public ManagedWindow {
     Q_OBJECT
 
 public:
-    HostListWindow(TunnelManager& manager, const std::filesystem::path& hostsFile, std::function<void()> quit);
-
-    /// Takes over what the manager knows now.
-    void refresh();
+    explicit ContentView(WindowServices& services);
 
 private:
+    void addFileMenu();
+    void refresh();
     void toggle(const QModelIndex& index);
 
-    TunnelManager& manager_;
+    WindowServices& services_;
     HostListModel model_;
     QStackedWidget* pages_;
     QListView* list_;
     QLabel* placeholder_;
+    QTimer refreshSoon_;  ///< one run for however many changes a turn of the event loop brings
+    std::vector<Subscription> subscriptions_;
 };
 
 }  // namespace velmora

@@ -1,0 +1,48 @@
+#include "ui/ManagedWindow.h"
+
+#include <QByteArray>
+#include <QCloseEvent>
+
+namespace velmora {
+
+ManagedWindow::ManagedWindow(std::string_view id, const QString& title, DefaultsStore& defaults)
+    : id_(id), defaults_(defaults) {
+    setObjectName(QString::fromUtf8(id.data(), static_cast<qsizetype>(id.size())));
+    setWindowTitle(title);
+    setAttribute(Qt::WA_DeleteOnClose);
+    setUnifiedTitleAndToolBarOnMac(true);
+}
+
+void ManagedWindow::restorePlace(const QSize& firstSize) {
+    const QByteArray place = remembered("frame");
+    if (place.isEmpty() || !restoreGeometry(place)) {
+        resize(firstSize);
+    }
+}
+
+void ManagedWindow::remember(std::string_view what, const QByteArray& state) {
+    const QByteArray text = state.toBase64();
+    if (defaults_.string(key(what)) != text.toStdString()) {
+        defaults_.setString(key(what), std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
+    }
+}
+
+QByteArray ManagedWindow::remembered(std::string_view what) const {
+    return QByteArray::fromBase64(QByteArray::fromStdString(defaults_.string(key(what))));
+}
+
+void ManagedWindow::closeEvent(QCloseEvent* event) {
+    QMainWindow::closeEvent(event);
+}
+
+void ManagedWindow::hideEvent(QHideEvent* event) {
+    // Also when the program ends with the window open.
+    remember("frame", saveGeometry());
+    QMainWindow::hideEvent(event);
+}
+
+std::string ManagedWindow::key(std::string_view what) const {
+    return "window." + id_ + "." + std::string(what);
+}
+
+}  // namespace velmora
