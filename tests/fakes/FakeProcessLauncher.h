@@ -2,6 +2,8 @@
 
 #include "platform/ProcessLauncher.h"
 
+#include <poll.h>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,9 +19,16 @@ public:
         std::string program;
         std::vector<std::string> arguments;
         Environment environment;
+        UniqueFd standardInput;
         ProcessEvents events;
         int terminations = 0;
         bool ended = false;
+
+        /// Nobody can say anything more on its standard input.
+        [[nodiscard]] bool isInputAtEnd() const {
+            pollfd input{.fd = standardInput.get(), .events = POLLIN, .revents = 0};
+            return ::poll(&input, 1, 0) == 1;
+        }
 
         void exit(int status) {
             ended = true;
@@ -39,7 +48,8 @@ public:
             return *failure;
         }
         launched_.push_back(std::make_shared<Process>(Process{std::move(spec.program), std::move(spec.arguments),
-                                                              std::move(spec.environment), std::move(events)}));
+                                                              std::move(spec.environment),
+                                                              std::move(spec.standardInput), std::move(events)}));
         return std::unique_ptr<ChildProcess>(std::make_unique<Handle>(launched_.back()));
     }
 

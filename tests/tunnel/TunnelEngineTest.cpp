@@ -98,6 +98,15 @@ TEST_F(TunnelEngineTest, ConnectingTwiceLaunchesOneProcessAndChangesNothing) {
     EXPECT_EQ(this->log(host), log);
 }
 
+TEST_F(TunnelEngineTest, TheInputOfSshStaysOpenWhileItRuns) {
+    const auto& host = addHost("a");
+    engine_.connect(host);
+    scheduler_.advance(1h);
+    EXPECT_FALSE(launcher_.last().isInputAtEnd()) << "a session would end with its input";
+    engine_.disconnect(host);
+    EXPECT_TRUE(launcher_.last().isInputAtEnd());
+}
+
 TEST_F(TunnelEngineTest, WithoutAHostNameNothingIsLaunchedOrLogged) {
     auto& host = addHost("a");
     host.hostname.clear();

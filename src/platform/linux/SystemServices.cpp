@@ -4,7 +4,7 @@
 #include "platform/linux/LinuxBundleTools.h"
 #include "platform/linux/LinuxTrayWatcher.h"
 #include "platform/linux/SecretServiceStore.h"
-#include "platform/qt/QtDefaultsStore.h"
+#include "platform/qt/IniDefaultsStore.h"
 
 namespace velmora {
 
@@ -21,7 +21,7 @@ public:
 }  // namespace
 
 std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& paths) {
-    return QtDefaultsStore::iniFile(paths.configuration / "com.velmora.app.conf");
+    return std::make_unique<IniDefaultsStore>(paths.configuration / "com.velmora.app.conf");
 }
 
 std::unique_ptr<CredentialStore> makeCredentialStore() {

@@ -4,18 +4,14 @@
 
 #include <QSettings>
 
-#include <filesystem>
 #include <memory>
 
 namespace velmora {
 
-/// The settings in whatever QSettings keeps them in.
+/// The settings in what the system has for them, as QSettings knows it.
 class QtDefaultsStore final : public DefaultsStore {
 public:
     explicit QtDefaultsStore(std::unique_ptr<QSettings> settings);
-
-    /// One INI file. The file is made 0600 and missing directories 0700, on the first write.
-    static std::unique_ptr<QtDefaultsStore> iniFile(const std::filesystem::path& file);
 
     [[nodiscard]] bool boolean(std::string_view key) const override;
     [[nodiscard]] std::string string(std::string_view key) const override;

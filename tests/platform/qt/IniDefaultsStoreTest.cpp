@@ -1,9 +1,10 @@
 #include "fakes/TemporaryDirectory.h"
-#include "platform/qt/QtDefaultsStore.h"
+#include "platform/qt/IniDefaultsStore.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,15 +13,15 @@ namespace velmora {
 
 namespace {
 
-class QtDefaultsStoreTest : public ::testing::Test {
+class IniDefaultsStoreTest : public ::testing::Test {
 protected:
-    [[nodiscard]] std::unique_ptr<QtDefaultsStore> open() const { return QtDefaultsStore::iniFile(file); }
+    [[nodiscard]] std::unique_ptr<IniDefaultsStore> open() const { return std::make_unique<IniDefaultsStore>(file); }
 
     const TemporaryDirectory directory;
     const std::filesystem::path file = directory / "config/com.velmora.app.conf";
 };
 
-TEST_F(QtDefaultsStoreTest, ReadsWhatIsAbsentAsFalseAndEmptyAndCreatesNothing) {
+TEST_F(IniDefaultsStoreTest, ReadsWhatIsAbsentAsFalseAndEmptyAndCreatesNothing) {
     const auto store = open();
     EXPECT_FALSE(store->boolean("performanceMode"));
     EXPECT_EQ(store->string("globalProxyJump"), "");
@@ -28,7 +29,7 @@ TEST_F(QtDefaultsStoreTest, ReadsWhatIsAbsentAsFalseAndEmptyAndCreatesNothing) {
     EXPECT_FALSE(std::filesystem::exists(file.parent_path()));
 }
 
-TEST_F(QtDefaultsStoreTest, WhatIsSetIsOnDiskAtOnce) {
+TEST_F(IniDefaultsStoreTest, WhatIsSetIsOnDiskAtOnce) {
     const auto store = open();
     store->setBoolean("performanceMode", true);
     store->setString("globalProxyJump", "jump.example");
@@ -43,7 +44,7 @@ TEST_F(QtDefaultsStoreTest, WhatIsSetIsOnDiskAtOnce) {
     EXPECT_TRUE(open()->contains("performanceMode"));
 }
 
-TEST_F(QtDefaultsStoreTest, KeepsEveryText) {
+TEST_F(IniDefaultsStoreTest, KeepsEveryText) {
     const std::vector<std::string> texts{"",
                                          " leading and trailing ",
                                          "line\nline\r\nline\n",
@@ -72,13 +73,13 @@ TEST_F(QtDefaultsStoreTest, KeepsEveryText) {
     }
 }
 
-TEST_F(QtDefaultsStoreTest, KeepsAVeryLongText) {
+TEST_F(IniDefaultsStoreTest, KeepsAVeryLongText) {
     const std::string text(1 << 20, 'x');
     open()->setString("proxyExceptions", text);
     EXPECT_EQ(open()->string("proxyExceptions"), text);
 }
 
-TEST_F(QtDefaultsStoreTest, Forgets) {
+TEST_F(IniDefaultsStoreTest, Forgets) {
     const auto store = open();
     store->setString("syncFolderPath", "/x");
     store->remove("syncFolderPath");
@@ -87,7 +88,7 @@ TEST_F(QtDefaultsStoreTest, Forgets) {
     EXPECT_FALSE(open()->contains("syncFolderPath"));
 }
 
-TEST_F(QtDefaultsStoreTest, FileAndFolderAreTheUsersAlone) {
+TEST_F(IniDefaultsStoreTest, FileAndFolderAreTheUsersAlone) {
     const mode_t previous = ::umask(0);
     open()->setBoolean("performanceMode", true);
     EXPECT_EQ(::umask(previous), 0U);
@@ -97,26 +98,46 @@ TEST_F(QtDefaultsStoreTest, FileAndFolderAreTheUsersAlone) {
     EXPECT_EQ(modeOf(file), 0600);
 }
 
-TEST_F(QtDefaultsStoreTest, ReadsAListThatWasWrittenByHand) {
+TEST_F(IniDefaultsStoreTest, ReadsAListThatWasWrittenByHand) {
     std::filesystem::create_directories(file.parent_path());
     writeContent(file, "[General]\nglobalProxyJump=a.example, b.example\nperformanceMode=1\n");
     EXPECT_EQ(open()->string("globalProxyJump"), "a.example, b.example");
     EXPECT_TRUE(open()->boolean("performanceMode"));
 }
 
-TEST_F(QtDefaultsStoreTest, ReadsAFileThatIsNoneAsEmpty) {
+TEST_F(IniDefaultsStoreTest, ReadsAFileThatIsNoneAsEmpty) {
     std::filesystem::create_directories(file);
     EXPECT_FALSE(open()->contains("performanceMode"));
     open()->setBoolean("performanceMode", true);
 }
 
-TEST_F(QtDefaultsStoreTest, LeavesWhatOthersWroteMeanwhile) {
+TEST_F(IniDefaultsStoreTest, LeavesWhatOthersWroteMeanwhile) {
     const auto store = open();
     store->setString("globalProxyJump", "one");
     open()->setString("syncFolderPath", "/two");
     store->setBoolean("performanceMode", true);
     EXPECT_EQ(open()->string("syncFolderPath"), "/two");
     EXPECT_EQ(open()->string("globalProxyJump"), "one");
+}
+
+TEST_F(IniDefaultsStoreTest, ALockThatACrashLeftBehindHoldsNothingUp) {
+    open()->setString("globalProxyJump", "one");
+    writeContent(file.string() + ".lock", "");
+    const auto start = std::chrono::steady_clock::now();
+    open()->setString("globalProxyJump", "two");
+    EXPECT_EQ(open()->string("globalProxyJump"), "two");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << "Qt's own lock waits for 30";
+}
+
+TEST_F(IniDefaultsStoreTest, WhatCouldNotBeWrittenIsWrittenWithTheNextChange) {
+    const auto store = open();
+    writeContent(directory / "config", "in the way of the folder");
+    store->setString("globalProxyJump", "one");
+    EXPECT_EQ(store->string("globalProxyJump"), "one");
+    std::filesystem::remove(directory / "config");
+    store->setString("syncFolderPath", "/two");
+    EXPECT_EQ(open()->string("globalProxyJump"), "one");
+    EXPECT_EQ(open()->string("syncFolderPath"), "/two");
 }
 
 }  // namespace

@@ -1,0 +1,102 @@
+#include "platform/qt/IniDefaultsStore.h"
+
+#include "base/AtomicFile.h"
+#include "platform/qt/SettingValue.h"
+
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <cstddef>
+#include <system_error>
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+constexpr std::size_t largest = std::size_t{64} << 20;
+
+QString text(const std::filesystem::path& path) {
+    return QString::fromStdString(path.string());
+}
+
+}  // namespace
+
+IniDefaultsStore::IniDefaultsStore(std::filesystem::path file) : file_(std::move(file)) {
+    const QSettings settings(text(file_), QSettings::IniFormat);
+    const QStringList keys = settings.allKeys();
+    for (const QString& key : keys) {
+        values_[key] = settings.value(key);
+    }
+}
+
+bool IniDefaultsStore::boolean(std::string_view key) const {
+    const auto entry = values_.find(settingText(key));
+    return entry != values_.end() && entry->second.toBool();
+}
+
+std::string IniDefaultsStore::string(std::string_view key) const {
+    const auto entry = values_.find(settingText(key));
+    return entry != values_.end() ? settingString(entry->second) : std::string();
+}
+
+bool IniDefaultsStore::contains(std::string_view key) const {
+    return values_.contains(settingText(key));
+}
+
+void IniDefaultsStore::setBoolean(std::string_view key, bool value) {
+    values_[settingText(key)] = value;
+    change(settingText(key), value);
+}
+
+void IniDefaultsStore::setString(std::string_view key, std::string_view value) {
+    values_[settingText(key)] = settingText(value);
+    change(settingText(key), settingText(value));
+}
+
+void IniDefaultsStore::remove(std::string_view key) {
+    values_.erase(settingText(key));
+    change(settingText(key), {});
+}
+
+void IniDefaultsStore::change(const QString& key, const QVariant& value) {
+    unwritten_[key] = value;
+    write();
+}
+
+/// The format is Qt's own, so a copy of the file is changed by Qt, and then takes the file's place.
+void IniDefaultsStore::write() {
+    const QTemporaryDir scratch;
+    if (!scratch.isValid()) {
+        return;  // silent: the value holds until the program ends
+    }
+    const std::filesystem::path copy = scratch.filePath(QStringLiteral("settings")).toStdString();
+    std::error_code error;
+    if (const auto current = readFile(file_, largest)) {
+        if (!writeFileAtomically(copy, *current)) {
+            return;
+        }
+    } else if (std::filesystem::exists(file_, error) || error) {
+        return;  // what stands in it must not be lost; the next change tries again
+    }
+    {
+        QSettings settings(text(copy), QSettings::IniFormat);
+        for (const auto& [key, value] : unwritten_) {
+            if (value.isValid()) {
+                settings.setValue(key, value);
+            } else {
+                settings.remove(key);
+            }
+        }
+        settings.sync();
+        if (settings.status() != QSettings::NoError) {
+            return;
+        }
+    }
+    const auto changed = readFile(copy, largest);
+    if (changed && createPrivateDirectory(file_.parent_path()) && writeFileAtomically(file_, *changed)) {
+        unwritten_.clear();
+    }
+}
+
+}  // namespace velmora
