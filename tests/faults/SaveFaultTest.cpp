@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -79,10 +80,20 @@ struct Action {
     std::vector<std::string> hostsAfter;
     std::string exceptionsAfter = "old.example";
     std::function<void(Program&)> first = [](Program&) {};  ///< what others do, which does not fail
-    bool reads = false;                                     ///< what cannot be read leaves everything as it is
+    /// Other lists that stand in the files for a while.
+    std::vector<std::vector<std::string>> between;
+    bool reads = false;  ///< what cannot be read leaves everything as it is
 };
 
 const std::vector<std::string> before{"a0", "a1", "a2"};
+
+std::vector<std::vector<std::string>> edits(int count) {
+    std::vector<std::vector<std::string>> lists;
+    for (int i = 1; i <= count; ++i) {
+        lists.push_back({"a0", "edit" + std::to_string(i), "a2"});
+    }
+    return lists;
+}
 
 std::vector<Action> actions() {
     return {
@@ -120,6 +131,16 @@ std::vector<Action> actions() {
                  fs::last_write_time(shared, fs::last_write_time(shared) + std::chrono::seconds(10));
              },
          .reads = true},
+        {.name = "EditTwentyTimes",
+         .run =
+             [](Program& program) {
+                 for (const auto& list : edits(20)) {
+                     program.manager.hosts().edit([&](std::vector<SSHHost>& hosts) { hosts[1].name = list[1]; });
+                     program.manager.save();
+                 }
+             },
+         .hostsAfter = edits(20).back(),
+         .between = edits(20)},
         {"ChooseAFolder",
          [](Program& program) {
              program.manager.folderSync().setFolder(program.home_ / "folder2");
@@ -193,9 +214,9 @@ protected:
         });
     }
 
-    [[nodiscard]] static bool isOldOrNew(const fs::path& file, const std::vector<std::string>& after) {
-        const auto hosts = decodeHosts(contentOf(file));
-        return hosts && (names(*hosts) == before || names(*hosts) == after);
+    [[nodiscard]] static bool isOldOrNew(const std::vector<std::string>& found, const Action& action) {
+        return found == before || found == action.hostsAfter ||
+               std::find(action.between.begin(), action.between.end(), found) != action.between.end();
     }
 
     /// What a program that starts now finds.
@@ -205,7 +226,7 @@ protected:
             Program program(home());
             const auto found = names(program.manager.hosts().get());
             const auto exceptions = program.manager.proxyExceptions().get();
-            const bool isWhole = (found == before || found == done.hostsAfter) &&
+            const bool isWhole = isOldOrNew(found, done) &&
                                  (exceptions == "old.example" || exceptions == done.exceptionsAfter) &&
                                  program.manager.globalProxyJump().get() == "jump.example";
             return isWhole ? fine : memoryChanged;
@@ -213,8 +234,8 @@ protected:
     }
 
     void expectWholeFiles(long operation) const {
-        const auto after = action().hostsAfter;
-        EXPECT_TRUE(isOldOrNew(Program::hostsFile(home()), after)) << "operation " << operation;
+        const auto hosts = decodeHosts(contentOf(Program::hostsFile(home())));
+        EXPECT_TRUE(hosts && isOldOrNew(names(*hosts), action())) << "operation " << operation;
         const auto shared = decodeHosts(contentOf(Program::syncFile(home())));
         EXPECT_TRUE(shared) << "operation " << operation;
         EXPECT_EQ(startAgain(), fine) << "operation " << operation;
