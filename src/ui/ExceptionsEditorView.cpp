@@ -4,9 +4,9 @@
 #include "pac/ProxyExceptions.h"
 #include "ui/FindBar.h"
 #include "ui/FindButton.h"
+#include "ui/IconButton.h"
 #include "ui/Metrics.h"
 #include "ui/PacTextEditor.h"
-#include "ui/SymbolIcon.h"
 #include "ui/WindowServices.h"
 
 #include <QHBoxLayout>
@@ -14,7 +14,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -43,12 +42,7 @@ void ExceptionsEditorView::fill() {
     quickAdd_->setObjectName(QStringLiteral("quickAdd"));
     quickAdd_->setPlaceholderText(tr("Add host to bypass proxy (%1)").arg(QStringLiteral("*.corp.example")));
     quickAdd_->setAccessibleName(tr("Add host to bypass proxy"));
-    auto* add = new QToolButton;
-    add->setObjectName(QStringLiteral("add"));
-    add->setIcon(symbolIcon(QStringLiteral("plus-circle-fill")));
-    add->setFocusPolicy(Qt::StrongFocus);
-    add->setToolTip(tr("Add to the list"));
-    add->setAccessibleName(tr("Add to the list"));
+    auto* add = new IconButton(QStringLiteral("plus-circle-fill"), tr("Add to the list"));
     auto* find = new FindButton;
     content_->setObjectName(QStringLiteral("content"));
     content_->setAccessibleName(tr("Hosts that bypass the proxy, one per line"));
@@ -61,7 +55,7 @@ void ExceptionsEditorView::fill() {
     save_->setToolTip(QStringLiteral("%1 (%2)").arg(tr("Save"), shortcut.toString(QKeySequence::NativeText)));
     connect(new QShortcut(shortcut, this), &QShortcut::activated, save_, &QPushButton::click);
     connect(quickAdd_, &QLineEdit::returnPressed, this, &ExceptionsEditorView::appendQuickAdd);
-    connect(add, &QToolButton::clicked, this, &ExceptionsEditorView::appendQuickAdd);
+    connect(add, &IconButton::clicked, this, &ExceptionsEditorView::appendQuickAdd);
     connect(save_, &QPushButton::clicked, this, &ExceptionsEditorView::save);
 
     auto* top = new QHBoxLayout;

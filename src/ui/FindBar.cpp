@@ -1,5 +1,6 @@
 #include "ui/FindBar.h"
 
+#include "ui/IconButton.h"
 #include "ui/Metrics.h"
 #include "ui/PlainText.h"
 #include "ui/SymbolIcon.h"
@@ -11,7 +12,6 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QStyle>
-#include <QToolButton>
 
 #include <algorithm>
 
@@ -22,18 +22,6 @@ namespace {
 constexpr int longestSlide = 150;        // milliseconds
 constexpr int pauseInTyping = 100;       // milliseconds
 constexpr int mostTintedMatches = 2000;  // of those in view
-
-QToolButton* iconButton(const QString& symbol, const QString& name, const QKeySequence& shortcut = {}) {
-    auto* button = new QToolButton;
-    button->setObjectName(symbol);
-    button->setIcon(symbolIcon(symbol));
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::StrongFocus);
-    button->setAccessibleName(name);
-    button->setToolTip(
-        shortcut.isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, shortcut.toString(QKeySequence::NativeText)));
-    return button;
-}
 
 QColor tint(const QPalette& palette) {
     const bool dark = palette.color(QPalette::Active, QPalette::Base).lightness() < 128;
@@ -52,8 +40,8 @@ FindBar::FindBar(QPlainTextEdit& editor, QWidget* parent)
       content_(new QWidget(this)),
       field_(new QLineEdit),
       state_(new QLabel),
-      previous_(iconButton(QStringLiteral("chevron-up"), tr("Find Previous"), Qt::SHIFT | Qt::Key_F3)),
-      next_(iconButton(QStringLiteral("chevron-down"), tr("Find Next"), Qt::Key_F3)) {
+      previous_(new IconButton(QStringLiteral("chevron-up"), tr("Find Previous"), Qt::SHIFT | Qt::Key_F3)),
+      next_(new IconButton(QStringLiteral("chevron-down"), tr("Find Next"), Qt::Key_F3)) {
     fillContent();
     addShortcuts();
     hide();
@@ -93,10 +81,13 @@ void FindBar::fillContent() {
     state_->setTextFormat(Qt::PlainText);
     state_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     state_->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("1000 of 1000")));
-    auto* done = iconButton(QStringLiteral("xmark"), tr("Close Find Bar"), Qt::Key_Escape);
-    connect(previous_, &QToolButton::clicked, this, &FindBar::findPrevious);
-    connect(next_, &QToolButton::clicked, this, &FindBar::findNext);
-    connect(done, &QToolButton::clicked, this, &FindBar::close);
+    auto* done = new IconButton(QStringLiteral("xmark"), tr("Close Find Bar"), Qt::Key_Escape);
+    for (auto* button : {previous_, next_, done}) {
+        button->setAutoRaise(true);
+    }
+    connect(previous_, &IconButton::clicked, this, &FindBar::findPrevious);
+    connect(next_, &IconButton::clicked, this, &FindBar::findNext);
+    connect(done, &IconButton::clicked, this, &FindBar::close);
 
     auto* row = new QHBoxLayout(content_);
     row->setContentsMargins(0, 0, 0, metrics::related);

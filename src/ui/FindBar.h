@@ -9,9 +9,10 @@
 
 class QLabel;
 class QLineEdit;
-class QToolButton;
 
 namespace velmora {
+
+class IconButton;
 
 /// Finds text in the editor below it while the user types what to look for, in any case. It slides in when it is
 /// opened. Main thread.
@@ -53,8 +54,8 @@ private:
     QWidget* content_;
     QLineEdit* field_;
     QLabel* state_;
-    QToolButton* previous_;
-    QToolButton* next_;
+    IconButton* previous_;
+    IconButton* next_;
     QVariantAnimation slide_;
     QTimer lookSoon_;  ///< after edits of the text
     TextMatches matches_;

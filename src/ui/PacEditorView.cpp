@@ -30,7 +30,7 @@ PacEditorView::PacEditorView(WindowServices& services)
     connect(content_, &PacTextEditor::edited, this, [this] { setDirty(true); });
     mirrorMode();
     content_->setFocus();
-    restorePlace({760, 560});
+    restorePlace({920, 600});
 }
 
 void PacEditorView::fill() {

@@ -95,6 +95,12 @@ void QuickExceptionView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+void QuickExceptionView::resizeEvent(QResizeEvent* event) {
+    ManagedWindow::resizeEvent(event);
+    // A window does not ask its content how high it gets when its text wraps.
+    centralWidget()->setMinimumHeight(centralWidget()->layout()->totalHeightForWidth(centralWidget()->width()));
+}
+
 void QuickExceptionView::add() {
     if (isBlank(text_->text())) {
         return;

@@ -19,6 +19,7 @@ public:
 private:
     void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
     void fill();
     void add();

@@ -86,7 +86,7 @@ TEST_F(ExceptionsEditorViewTest, QuickAddOfANewPatternRewritesTheTextAsTheParsed
 TEST_F(ExceptionsEditorViewTest, QuickAddByItsButton) {
     open("");
     quickAdd().setText(QStringLiteral("a.example"));
-    QTest::mouseClick(window->findChild<QToolButton*>(QStringLiteral("add")), Qt::LeftButton);
+    QTest::mouseClick(window->findChild<QToolButton*>(QStringLiteral("plus-circle-fill")), Qt::LeftButton);
     EXPECT_EQ(text().text(), QStringLiteral("a.example"));
     EXPECT_TRUE(quickAdd().hasFocus());
 }
@@ -132,8 +132,9 @@ TEST_F(ExceptionsEditorViewTest, TabGoesInReadingOrderAndRound) {
         order.append(QApplication::focusWidget()->objectName());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_EQ(order, (QStringList{QStringLiteral("quickAdd"), QStringLiteral("add"), QStringLiteral("magnifyingglass"),
-                                  QStringLiteral("content"), QStringLiteral("save"), QStringLiteral("quickAdd")}));
+    EXPECT_EQ(order, (QStringList{QStringLiteral("quickAdd"), QStringLiteral("plus-circle-fill"),
+                                  QStringLiteral("magnifyingglass"), QStringLiteral("content"), QStringLiteral("save"),
+                                  QStringLiteral("quickAdd")}));
 }
 
 }  // namespace

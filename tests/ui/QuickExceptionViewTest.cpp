@@ -1,4 +1,5 @@
 #include "ui/CaptionLabel.h"
+#include "ui/Metrics.h"
 #include "ui/QuickExceptionView.h"
 #include "ui/WindowStand.h"
 
@@ -97,6 +98,20 @@ TEST_F(QuickExceptionViewTest, TheFullListIsOneButtonAway) {
     QTest::mouseClick(&button("fullList"), Qt::LeftButton);
     EXPECT_EQ(stand.opened, std::vector<std::string>{"exceptions-editor"});
     EXPECT_EQ(button("fullList").text(), QStringLiteral("Edit Full List…"));
+}
+
+TEST_F(QuickExceptionViewTest, ShowsItsWholeCaptionInAnyFont) {
+    const QFont usual = QApplication::font();
+    for (const qreal factor : {1.0, 1.5, 2.0}) {
+        QApplication::setFont(metrics::scaled(usual, factor));
+        QuickExceptionView panel(stand.services);
+        panel.setAttribute(Qt::WA_DeleteOnClose, false);
+        panel.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&panel));
+        const auto* caption = panel.findChild<CaptionLabel*>();
+        EXPECT_GE(caption->height(), caption->heightForWidth(caption->width())) << factor;
+    }
+    QApplication::setFont(usual);
 }
 
 TEST_F(QuickExceptionViewTest, TabGoesInReadingOrder) {
