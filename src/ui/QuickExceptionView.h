@@ -2,6 +2,9 @@
 
 #include "ui/ManagedWindow.h"
 
+class QLineEdit;
+class QPushButton;
+
 namespace velmora {
 
 struct WindowServices;
@@ -14,7 +17,17 @@ public:
     explicit QuickExceptionView(WindowServices& services);
 
 private:
+    void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+    void fill();
+    void add();
+    void updateAdd();
+
     WindowServices& services_;
+    QLineEdit* text_;
+    QPushButton* add_;
 };
 
 }  // namespace velmora
