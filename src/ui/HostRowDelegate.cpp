@@ -47,6 +47,9 @@ void HostRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     initStyleOption(&row, index);
     row.text.clear();
     row.showDecorationSelected = true;  // the whole row, with styles that would mark the text alone as well
+    if ((row.state & QStyle::State_KeyboardFocusChange) == 0) {
+        row.state &= ~QStyle::State_HasFocus;  // a frame around a row that nobody has chosen would look like a choice
+    }
     const QStyle* style = row.widget != nullptr ? row.widget->style() : QApplication::style();
     style->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
 

@@ -14,7 +14,6 @@ namespace velmora {
 namespace {
 
 constexpr int symbolSide = 48;
-constexpr int widestSentence = 320;
 constexpr float secondary = 0.68F;
 constexpr float tertiary = 0.4F;
 
@@ -37,8 +36,6 @@ NoSelectionView::NoSelectionView(QWidget* parent)
     text_->setObjectName(QStringLiteral("placeholder"));
     firstStep_->setObjectName(QStringLiteral("firstStep"));
     firstStep_->setAlignment(Qt::AlignCenter);
-    firstStep_->setMaximumWidth(widestSentence);
-    firstStep_->setMinimumWidth(qMin(widestSentence, firstStep_->sizeHint().width()));
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(metrics::margin, metrics::margin, metrics::margin, metrics::margin);
@@ -47,7 +44,7 @@ NoSelectionView::NoSelectionView(QWidget* parent)
     column->addWidget(symbol_, 0, Qt::AlignHCenter);
     column->addWidget(text_, 0, Qt::AlignHCenter);
     column->addWidget(add, 0, Qt::AlignHCenter);
-    column->addWidget(firstStep_, 0, Qt::AlignHCenter);
+    column->addWidget(firstStep_);
     column->addStretch();
     adoptColors();
 }

@@ -11,8 +11,8 @@
 #include <optional>
 #include <vector>
 
+class QAction;
 class QLineEdit;
-class QMenu;
 class QToolButton;
 
 namespace velmora {
@@ -69,6 +69,7 @@ private:
     SelectedHost& selected_;
     HostListModel model_;
     QLineEdit* search_;
+    QAction* clear_;
     HostListView* list_;
     QToolButton* plus_;
     QToolButton* gear_;

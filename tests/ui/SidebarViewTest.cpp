@@ -147,6 +147,17 @@ TEST_F(SidebarViewTest, AnEmptySearchShowsEveryHostInStoredOrder) {
     EXPECT_THAT(shown(), ElementsAre("c", "a", "b"));
 }
 
+TEST_F(SidebarViewTest, TheSearchCanBeClearedByMouseOnceThereIsOne) {
+    openWith({"web", "db"});
+    QAction* clear = sidebar->search().actions().constLast();
+    EXPECT_FALSE(clear->isVisible());
+    type(QStringLiteral("db"));
+    EXPECT_TRUE(clear->isVisible());
+    clear->trigger();
+    EXPECT_THAT(shown(), ElementsAre("web", "db"));
+    EXPECT_FALSE(clear->isVisible());
+}
+
 TEST_F(SidebarViewTest, ASelectedHostThatIsFilteredOutStaysSelected) {
     openWith({"web", "db"});
     click(middleOf(0), 1);
