@@ -18,6 +18,9 @@ namespace velmora {
 /// The colour of a host's dot in a window: green, amber, grey or red.
 [[nodiscard]] QColor statusColor(ConnectionStatus::State state);
 
+/// The same, as much darker or lighter as it takes to stand out from the background: a contrast of 3:1 at least.
+[[nodiscard]] QColor statusColor(ConnectionStatus::State state, const QColor& background);
+
 /// The dots that stand before the hosts in the menu. White ones carry a thin outline, to be seen on white.
 class StatusDots final {
 public:

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace velmora {
 namespace {
 
@@ -21,6 +24,32 @@ TEST(StatusLook, SaysTheStatusInWords) {
     EXPECT_EQ(statusText(ConnectionStatus::connected(), "2h 14m").toStdString(), "Connected · 2h 14m");
     EXPECT_EQ(statusText(ConnectionStatus::error("no\nroute")).toStdString(), "Error: no route");
     EXPECT_EQ(statusText(ConnectionStatus::error("x"), "3m").toStdString(), "Connected · 3m");
+}
+
+double luminance(const QColor& color) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+TEST(StatusLook, ColoursStandOutFromLightAndFromDarkBackgrounds) {
+    for (const QColor background : {QColor(0xff, 0xff, 0xff), QColor(0xef, 0xef, 0xef), QColor(0x80, 0x80, 0x80),
+                                    QColor(0x30, 0x8c, 0xc6), QColor(0x2b, 0x2b, 0x2b), QColor(0, 0, 0)}) {
+        for (const State state : {State::disconnected, State::connecting, State::connected, State::error}) {
+            const double one = luminance(statusColor(state, background));
+            const double other = luminance(background);
+            EXPECT_GE((std::max(one, other) + 0.05) / (std::min(one, other) + 0.05), 3.0)
+                << background.name().toStdString() << ", " << static_cast<int>(state);
+        }
+    }
+}
+
+TEST(StatusLook, ColoursThatStandOutAnywayStayAsTheyAre) {
+    EXPECT_EQ(statusColor(State::disconnected, Qt::white), QColor(0x8c, 0x8c, 0x8c));
+    EXPECT_EQ(statusColor(State::error, Qt::white), statusColor(State::error));
+    EXPECT_EQ(statusColor(State::connecting, Qt::black), statusColor(State::connecting));
+    EXPECT_EQ(statusColor(State::connected, Qt::black), statusColor(State::connected));
 }
 
 TEST(StatusLook, DotsOfTheMenu) {
