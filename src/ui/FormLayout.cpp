@@ -10,6 +10,30 @@
 
 namespace velmora::forms {
 
+namespace {
+
+/// A form gives a row at least the height that it asks for at first, and a caption that may wrap asks for too much.
+class Captioned final : public QWidget {
+public:
+    Captioned(QWidget* control, const QString& text) : caption_(new CaptionLabel(text)) {
+        auto* column = new QVBoxLayout(this);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->setSpacing(metrics::caption);
+        column->addWidget(control);
+        column->addWidget(caption_, 0, Qt::AlignTop);
+    }
+
+    [[nodiscard]] QSize sizeHint() const override {
+        const int tooMuch = caption_->sizeHint().height() - caption_->fontMetrics().height();
+        return QWidget::sizeHint() - QSize(0, tooMuch);
+    }
+
+private:
+    CaptionLabel* caption_;
+};
+
+}  // namespace
+
 QFormLayout* fill(QWidget& widget) {
     auto* form = new QFormLayout(&widget);
     form->setContentsMargins(0, 0, 0, 0);
@@ -32,31 +56,25 @@ QWidget* beside(QWidget* first, QWidget* second) {
 }
 
 QWidget* captioned(QWidget* control, const QString& caption) {
-    auto* both = new QWidget;
-    auto* column = new QVBoxLayout(both);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(metrics::caption);
-    column->addWidget(control);
-    column->addWidget(new CaptionLabel(caption));
-    return both;
+    return new Captioned(control, caption);
 }
 
 void addRow(QFormLayout& form, const QString& label, QWidget* control, QWidget* field) {
     auto* words = new QLabel(label);
     words->setBuddy(control);
+    words->setMaximumHeight(control->sizeHint().height());  // so that they stand on one line in a tall row, too
     if (control->accessibleName().isEmpty()) {
         control->setAccessibleName(label);
     }
     form.addRow(words, field != nullptr ? field : control);
 }
 
-QWidget* centredColumn(QWidget* content) {
+QWidget* column(QWidget* content) {
     auto* whole = new QWidget;
     auto* row = new QHBoxLayout(whole);
     row->setContentsMargins(metrics::margin, 0, metrics::margin, 0);
     row->setSpacing(0);
     content->setMaximumWidth(metrics::widestColumn);
-    row->addStretch();
     row->addWidget(content, 1);
     row->addStretch();
     return whole;

@@ -20,7 +20,7 @@ namespace velmora::forms {
 /// A row with the label of this control, which is or stands in `field`.
 void addRow(QFormLayout& form, const QString& label, QWidget* control, QWidget* field = nullptr);
 
-/// Column of content in the middle of whatever is wider, with the margins of a window at both sides.
-[[nodiscard]] QWidget* centredColumn(QWidget* content);
+/// The content between the margins of a window; it does not grow beyond the widest column.
+[[nodiscard]] QWidget* column(QWidget* content);
 
 }  // namespace velmora::forms

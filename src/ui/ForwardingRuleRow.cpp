@@ -4,14 +4,14 @@
 #include "ui/IntegerField.h"
 #include "ui/LegendDot.h"
 #include "ui/Metrics.h"
-#include "ui/SymbolIcon.h"
+#include "ui/SymbolLabel.h"
+#include "ui/TextField.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
 #include <QFocusEvent>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
 
 #include <utility>
@@ -22,7 +22,6 @@ namespace {
 
 constexpr int padding = 4;
 constexpr int narrowestAddress = 88;
-constexpr int arrowSide = 16;
 
 QString nameOf(ForwardingType type) {
     const auto text = rawValue(type);
@@ -44,14 +43,12 @@ ForwardingRuleRow::ForwardingRuleRow(TunnelManager& manager, const ForwardingRul
       type_(new QComboBox(this)),
       bindAddress_(new TextField(this)),
       bindPort_(new IntegerField(IntegerField::rulePort, this)),
-      arrow_(new QLabel(this)),
+      arrow_(new SymbolLabel(QStringLiteral("arrow-right"), this)),
       targetAddress_(new TextField(this)),
       targetPort_(new IntegerField(IntegerField::rulePort, this)) {
     for (const ForwardingType type : allForwardingTypes) {
         type_->addItem(nameOf(type));
     }
-    arrow_->setPixmap(
-        symbolIcon(QStringLiteral("arrow-right")).pixmap(QSize(arrowSide, arrowSide), devicePixelRatioF()));
     targetAddress_->setPlaceholderText(tr("hostname"));
     addControls();
     nameControls();

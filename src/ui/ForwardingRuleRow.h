@@ -8,7 +8,6 @@
 
 class QCheckBox;
 class QComboBox;
-class QLabel;
 
 namespace velmora {
 
@@ -61,7 +60,7 @@ private:
     QComboBox* type_;
     TextField* bindAddress_;
     IntegerField* bindPort_;
-    QLabel* arrow_;
+    QWidget* arrow_;
     TextField* targetAddress_;
     IntegerField* targetPort_;
 };

@@ -20,6 +20,7 @@ namespace {
 
 constexpr int patternLines = 4;
 constexpr int patternPoints = 11;
+constexpr int padding = 4;
 
 }  // namespace
 
@@ -34,6 +35,7 @@ ForwardingTable::ForwardingTable(TunnelManager& manager, HostBinding& host, Sele
     column_->setSpacing(0);
     noRules_->setObjectName(QStringLiteral("noRules"));
     noRules_->setWordWrap(true);
+    noRules_->setContentsMargins(0, padding, 0, padding);
     noRules_->setForegroundRole(QPalette::PlaceholderText);
     column_->addWidget(noRules_);
 

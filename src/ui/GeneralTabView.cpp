@@ -119,7 +119,7 @@ void GeneralTabView::addForwarding(QFormLayout& form) {
     lines->setSpacing(metrics::caption);
     column->addWidget(conflicts_);
     column->addWidget(legendRow());
-    forms::addRow(form, tr("Forwarding"), plus_, whole);
+    forms::addRow(form, tr("Forwarding"), table_, whole);
     connect(table_, &ForwardingTable::controlsChanged, this, &GeneralTabView::orderTabs);
 }
 

@@ -12,6 +12,7 @@ HeaderField::HeaderField(Look look, const QString& name, QWidget* parent) : Text
     setAccessibleName(name);
     if (look_ == Look::title) {
         setFrame(false);
+        setTextMargins(-2, 0, 0, 0);  // the text begins where the labels below do
         QPalette colors;
         colors.setColor(QPalette::Base, Qt::transparent);
         setPalette(colors);

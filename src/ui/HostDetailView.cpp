@@ -8,7 +8,6 @@
 #include "ui/Metrics.h"
 #include "ui/WindowServices.h"
 
-#include <QFrame>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -23,14 +22,10 @@ HostDetailView::HostDetailView(WindowServices& services, const Uuid& host, QWidg
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, metrics::margin, 0, 0);
     column->setSpacing(0);
-    column->addWidget(forms::centredColumn(header()));
+    column->addWidget(forms::column(header()));
     column->addSpacing(metrics::group);
     tabs_ = new HostTabsView(services_, host_, password_);
     column->addWidget(tabs_, 1);
-    auto* line = new QFrame;
-    line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Plain));
-    line->setForegroundRole(QPalette::Mid);
-    column->addWidget(line);
     footer_ = new HostFooter(services_, host_);
     column->addWidget(footer_);
 

@@ -8,11 +8,13 @@
 #include "ui/ProminentButton.h"
 #include "ui/StatusLook.h"
 #include "ui/SymbolIcon.h"
+#include "ui/Tints.h"
 #include "ui/WindowServices.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QToolButton>
 
 #include <chrono>
@@ -133,6 +135,12 @@ void HostFooter::showEvent(QShowEvent* event) {
 void HostFooter::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     uptimeTimer_.stop();
+}
+
+void HostFooter::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(0, 0, width(), 1,
+                     tints::mix(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.2F));
 }
 
 }  // namespace velmora

@@ -37,6 +37,7 @@ private:
     void copyCommand();
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
     WindowServices& services_;
     HostBinding& host_;

@@ -3,13 +3,13 @@
 #include "ui/AdvancedTabView.h"
 #include "ui/ConnectionTabView.h"
 #include "ui/FormLayout.h"
+#include "ui/FormScrollArea.h"
 #include "ui/GeneralTabView.h"
 #include "ui/Metrics.h"
 #include "ui/SegmentedControl.h"
 #include "ui/WindowServices.h"
 
-#include <QScrollArea>
-#include <QScrollBar>
+#include <QHBoxLayout>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -30,14 +30,15 @@ HostTabsView::HostTabsView(WindowServices& services, HostBinding& host, Observab
     pickerPlace->setContentsMargins(0, 0, 0, 0);
     pickerPlace->addWidget(picker_);
     pickerPlace->addStretch();
-    column->addWidget(forms::centredColumn(pickerRow));
+    column->addWidget(forms::column(pickerRow));
     column->addWidget(pages_, 1);
 
     auto* general = new GeneralTabView(services.manager, host);
     firstField_ = general->firstField();
-    QScrollArea* const generalPage = addPage(general);
-    addPage(new ConnectionTabView(services.dialogs, host, password));
-    addPage(new AdvancedTabView(host));
+    auto* const generalPage = new FormScrollArea(general);
+    pages_->addWidget(generalPage);
+    pages_->addWidget(new FormScrollArea(new ConnectionTabView(services.dialogs, host, password)));
+    pages_->addWidget(new FormScrollArea(new AdvancedTabView(host)));
     connect(picker_, &SegmentedControl::chosen, pages_, &QStackedWidget::setCurrentIndex);
     connect(general, &GeneralTabView::rowAdded, generalPage, [generalPage](QWidget* row) {
         QTimer::singleShot(0, row,
@@ -52,21 +53,6 @@ int HostTabsView::tab() const {
 void HostTabsView::setTab(int tab) {
     picker_->setCurrentIndex(tab);
     pages_->setCurrentIndex(tab);
-}
-
-QScrollArea* HostTabsView::addPage(QWidget* form) {
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus);
-    QWidget* const column = forms::centredColumn(form);
-    auto margins = column->layout()->contentsMargins();
-    margins.setTop(metrics::related);
-    margins.setBottom(metrics::margin);
-    column->layout()->setContentsMargins(margins);
-    area->setWidget(column);
-    pages_->addWidget(area);
-    return area;
 }
 
 }  // namespace velmora

@@ -6,7 +6,6 @@
 
 #include <string>
 
-class QScrollArea;
 class QStackedWidget;
 
 namespace velmora {
@@ -32,8 +31,6 @@ public:
     [[nodiscard]] QWidget* firstField() const { return firstField_; }
 
 private:
-    QScrollArea* addPage(QWidget* form);
-
     SegmentedControl* picker_;
     QStackedWidget* pages_;
     QWidget* firstField_ = nullptr;
