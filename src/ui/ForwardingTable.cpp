@@ -75,27 +75,37 @@ void ForwardingTable::refresh() {
     }
 }
 
-/// Keeps the rows at both ends that are those of the same rules, and makes the others anew.
+/// A rule that stays keeps its row, wherever it stands now. Says whether anything came, went or moved.
 bool ForwardingTable::replaceEntries(const std::vector<ForwardingRule>& rules) {
     const auto sameId = [](const Entry& entry, const ForwardingRule& rule) { return entry.id == rule.id; };
-    const auto [head, rulesHead] = std::mismatch(entries_.begin(), entries_.end(), rules.begin(), rules.end(), sameId);
-    const auto [tail, rulesTail] = std::mismatch(entries_.rbegin(), std::make_reverse_iterator(head), rules.rbegin(),
-                                                 std::make_reverse_iterator(rulesHead), sameId);
-    if (head == tail.base() && rulesHead == rulesTail.base()) {
+    if (std::equal(entries_.begin(), entries_.end(), rules.begin(), rules.end(), sameId)) {
         return false;
     }
-    for (auto gone = head; gone != tail.base(); ++gone) {
-        gone->box->hide();
-        gone->box->deleteLater();  // it may be one of its own controls that brought us here
+    auto before = std::exchange(entries_, {});
+    for (const ForwardingRule& rule : rules) {
+        const auto kept = std::find_if(before.begin(), before.end(),
+                                       [&rule, sameId](const Entry& entry) { return sameId(entry, rule); });
+        if (kept == before.end()) {
+            entries_.push_back(makeEntry(rule));
+        } else {
+            entries_.push_back(*kept);
+            before.erase(kept);
+        }
+        placeAt(static_cast<int>(entries_.size()), *entries_.back().box);
     }
-    auto place = entries_.erase(head, tail.base());
-    for (auto rule = rulesHead; rule != rulesTail.base(); ++rule) {
-        place = std::next(entries_.insert(place, makeEntry(*rule)));
-        const auto& entry = *std::prev(place);
-        column_->insertWidget(static_cast<int>(std::distance(entries_.begin(), place)), entry.box);
-        entry.box->show();
+    for (const Entry& gone : before) {
+        gone.box->hide();
+        gone.box->deleteLater();  // it may be one of its own controls that brought us here
     }
     return true;
+}
+
+void ForwardingTable::placeAt(int position, QWidget& box) {
+    if (column_->indexOf(&box) != position) {
+        column_->removeWidget(&box);
+        column_->insertWidget(position, &box);
+        box.show();
+    }
 }
 
 ForwardingTable::Entry ForwardingTable::makeEntry(const ForwardingRule& rule) {

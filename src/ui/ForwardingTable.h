@@ -50,6 +50,7 @@ private:
 
     void refresh();
     [[nodiscard]] bool replaceEntries(const std::vector<ForwardingRule>& rules);
+    void placeAt(int position, QWidget& box);
     [[nodiscard]] Entry makeEntry(const ForwardingRule& rule);
     [[nodiscard]] bool showPatterns(Entry& entry, const ForwardingRule& rule);
     void addPatterns(Entry& entry);

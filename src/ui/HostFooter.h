@@ -45,8 +45,8 @@ private:
     ElidingLabel* status_;
     QPushButton* save_;
     ProminentButton* connect_;
-    QTimer refreshSoon_;  ///< one run for however many changes a turn of the event loop brings
-    QTimer uptimeTimer_;  ///< runs while somebody sees the host connected
+    QTimer refreshSoon_;        ///< one run for however many changes a turn of the event loop brings
+    QTimer uptimeTimer_{this};  ///< runs while somebody sees the host connected
     std::vector<Subscription> subscriptions_;
 };
 

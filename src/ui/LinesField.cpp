@@ -68,14 +68,15 @@ void LinesField::adopt() {
         return;
     }
     const QScopedValueRollback guard(adopting_, true);
-    const QTextCursor before = textCursor();
+    const int anchor = textCursor().anchor();
+    const int position = textCursor().position();
     const int scrolled = verticalScrollBar()->value();
     setPlainText(value_);
     original_ = value_;
     const int end = document()->characterCount() - 1;
     QTextCursor cursor = textCursor();
-    cursor.setPosition(std::min(before.anchor(), end));
-    cursor.setPosition(std::min(before.position(), end), QTextCursor::KeepAnchor);
+    cursor.setPosition(std::min(anchor, end));
+    cursor.setPosition(std::min(position, end), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
     verticalScrollBar()->setValue(scrolled);
 }

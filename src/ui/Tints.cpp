@@ -8,7 +8,7 @@ namespace velmora::tints {
 namespace {
 
 constexpr double readable = 4.5;
-constexpr QRgb warningOnLight = 0xffb45309;
+constexpr QRgb warningOnLight = 0xffa84a06;
 constexpr QRgb warningOnDark = 0xffffa63d;
 
 double linear(double channel) {

@@ -228,7 +228,7 @@ TEST_F(GeneralTabViewTest, TheColoursTellWhereEachPortLives) {
         EXPECT_EQ(in<TextField>(place, "targetPort").underline(), legend::targetBlue);
     }
     auto& port = in<TextField>(0, "bindPort");
-    EXPECT_EQ(port.grab().toImage().pixelColor(port.width() / 2, port.height() - 2), legend::bindGreen.toRgb());
+    EXPECT_EQ(port.grab().toImage().pixelColor(port.width() / 2, port.height() - 2).rgb(), legend::bindGreen.rgb());
     const auto dots = view->findChildren<LegendDot*>();
     EXPECT_EQ(dots.size(), 3);
 }

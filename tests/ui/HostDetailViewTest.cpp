@@ -19,7 +19,7 @@ protected:
     void SetUp() override {
         SSHHost host = ManagerStand::hostNamed("web");
         ForwardingRule rule;
-        rule.bindPort = 8080;
+        rule.bindPort = 80;
         rule.targetAddress = "db";
         rule.targetPort = 5432;
         ForwardingRule dynamic;
@@ -199,6 +199,7 @@ TEST_F(HostDetailViewTest, AHostThatIsDeletedWhileOpenTakesNothingMore) {
 
 TEST_F(HostDetailViewTest, AnUnknownHostIsAnEmptyEditor) {
     view = std::make_unique<HostDetailView>(stand.services, Uuid::random());
+    hands = std::make_unique<EditorHands>(*view);
     EXPECT_FALSE(view->isEnabled());
     EXPECT_FALSE(canSave());
 }

@@ -5,6 +5,7 @@
 #include "ui/WindowStand.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QRadioButton>
 #include <QTest>
 #include <QWidget>
@@ -52,7 +53,10 @@ public:
         if (text.isEmpty()) {
             QTest::keyClick(field, Qt::Key_Delete);
         }
-        QTest::keyClicks(field, text);
+        for (const QChar character : text) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
+            QApplication::sendEvent(field, &press);
+        }
     }
     void type(const char* name, const QString& text) { type(find<QWidget>(name), text); }
     void click(const char* name) { click(find<QAbstractButton>(name)); }

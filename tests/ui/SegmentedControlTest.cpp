@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
 #include <QVBoxLayout>
@@ -26,10 +27,10 @@ protected:
     static void press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
 
     QWidget window;
-    QRadioButton* before = new QRadioButton;
+    QPushButton* before = new QPushButton;
     SegmentedControl* control = new SegmentedControl(
         QStringLiteral("Tabs"), {QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Three")});
-    QRadioButton* after = new QRadioButton;
+    QPushButton* after = new QPushButton;
     std::vector<int> chosen;
 };
 

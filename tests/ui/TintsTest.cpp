@@ -31,7 +31,7 @@ TEST(Tints, WhiteTextIsReadOnAnyAccent) {
 
 TEST(Tints, AWarningIsReadOnLightAndOnDark) {
     for (const QPalette& palette : {paletteOf(0xffefefef, 0xff000000), paletteOf(0xff2d2d2d, 0xffffffff)}) {
-        EXPECT_GE(tints::contrast(tints::warning(palette), palette.color(QPalette::Window)), 4.4);
+        EXPECT_GE(tints::contrast(tints::warning(palette), palette.color(QPalette::Window)), 4.5);
     }
 }
 
