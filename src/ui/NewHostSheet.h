@@ -1,13 +1,19 @@
 #pragma once
 
+#include "base/Observable.h"
 #include "model/SSHHost.h"
+#include "ui/DraftHost.h"
 
 #include <QDialog>
 
 #include <functional>
+#include <string>
+
+class QPushButton;
 
 namespace velmora {
 
+class HostTabsView;
 struct WindowServices;
 
 /// Asks for a new host, over the window that it belongs to. Main thread.
@@ -21,8 +27,16 @@ public:
     NewHostSheet(WindowServices& services, OnCreate onCreate, QWidget* parent);
 
 private:
+    [[nodiscard]] QWidget* buttons();
+    void create();
+    void showState();
+
     WindowServices& services_;
     OnCreate onCreate_;
+    DraftHost host_;
+    Observable<std::string> password_;
+    HostTabsView* tabs_;
+    QPushButton* create_;
 };
 
 }  // namespace velmora

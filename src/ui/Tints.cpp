@@ -1,0 +1,51 @@
+#include "ui/Tints.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace velmora::tints {
+
+namespace {
+
+constexpr double readable = 4.5;
+constexpr QRgb warningOnLight = 0xffa84a06;
+constexpr QRgb warningOnDark = 0xffffa63d;
+
+double linear(double channel) {
+    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor& color) {
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+}  // namespace
+
+bool isDark(const QPalette& palette) {
+    return luminance(palette.color(QPalette::Window)) < luminance(palette.color(QPalette::WindowText));
+}
+
+QColor mix(const QColor& from, const QColor& to, float share) {
+    const auto between = [share](float a, float b) { return a + (b - a) * share; };
+    return QColor::fromRgbF(between(from.redF(), to.redF()), between(from.greenF(), to.greenF()),
+                            between(from.blueF(), to.blueF()));
+}
+
+double contrast(const QColor& first, const QColor& second) {
+    const double one = luminance(first);
+    const double other = luminance(second);
+    return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
+}
+
+QColor underWhiteText(QColor fill) {
+    while (contrast(fill, Qt::white) < readable) {
+        fill = mix(fill, Qt::black, 0.04F);
+    }
+    return fill;
+}
+
+QColor warning(const QPalette& palette) {
+    return QColor(isDark(palette) ? warningOnDark : warningOnLight);
+}
+
+}  // namespace velmora::tints

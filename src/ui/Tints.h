@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+/// Colours that are worked out from the palette, so that they hold on light and on dark.
+namespace velmora::tints {
+
+[[nodiscard]] bool isDark(const QPalette& palette);
+
+/// The way from one colour to the other, 0 to 1.
+[[nodiscard]] QColor mix(const QColor& from, const QColor& to, float share);
+
+/// How well one colour is read on the other: 1 to 21.
+[[nodiscard]] double contrast(const QColor& first, const QColor& second);
+
+/// The colour, as dark as it must be for white text of any size to be read on it.
+[[nodiscard]] QColor underWhiteText(QColor fill);
+
+/// Orange text that is read on a window of this palette.
+[[nodiscard]] QColor warning(const QPalette& palette);
+
+}  // namespace velmora::tints
