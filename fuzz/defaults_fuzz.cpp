@@ -12,9 +12,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     static const TemporaryDirectory folder;
     constexpr std::array<std::string_view, 4> keys{"syncFolderPath", "proxyExceptions", "customPac", "updateFeedURL"};
+    constexpr std::size_t names = 64;
     static std::size_t count = 0;
-    // QSettings shares what it has read by the name of the file.
-    const auto file = folder / (std::to_string(count++) + ".ini");
+    // QSettings remembers the last files by their names, and does not read one again that seems unchanged.
+    const auto file = folder / (std::to_string(count++ % names) + ".ini");
     writeContent(file, std::string(textOf(data, size)));
     std::array<std::string, keys.size()> values;
     {
