@@ -30,7 +30,7 @@ if(VELMORA_SANITIZE MATCHES thread)
 endif()
 if(VELMORA_SANITIZE)
   # With the sanitizers' code in between, GCC takes values of the standard library for uninitialised.
-  target_compile_options(velmora_flags INTERFACE -Wno-maybe-uninitialized)
+  target_compile_options(velmora_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   # Without the check of objects' types: it opens a pipe to look at them, and takes a lack of descriptors for a wrong one.
   target_compile_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer
                                                  -fno-sanitize-recover=all -fno-sanitize=vptr)

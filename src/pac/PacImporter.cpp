@@ -136,6 +136,7 @@ std::vector<Entry> parseArrayStyle(std::string_view content) {
     const auto arrays = extractArrays(content);
     auto rule = fixedExpression(arrayRule);
     std::vector<Entry> entries;
+    std::size_t size = 0;
     for (const auto& match : rule.findAll(content)) {
         const auto port = parsePort(match[2]);
         const auto array = arrays.find(match[1]);
@@ -143,6 +144,10 @@ std::vector<Entry> parseArrayStyle(std::string_view content) {
             continue;
         }
         for (const auto& item : array->second) {
+            size += sizeof(Entry) + item.size();
+            if (size > maximumArraySize) {
+                return entries;
+            }
             entries.push_back({item, *port});
         }
     }

@@ -33,6 +33,10 @@ struct Outcome {
 
 inline constexpr std::size_t maximumFileSize = std::size_t{16} * 1024 * 1024;
 
+/// How many bytes of entries loops over arrays give at most: each loop gives all items of its array once more, so that
+/// a file could ask for more memory than there is.
+inline constexpr std::size_t maximumArraySize = 4 * maximumFileSize;
+
 /// The script in a file. Empty when the file cannot be read, is no UTF-8, or is larger than `maximumFileSize` bytes.
 [[nodiscard]] std::string readScript(const std::filesystem::path& path);
 
@@ -40,7 +44,7 @@ inline constexpr std::size_t maximumFileSize = std::size_t{16} * 1024 * 1024;
 /// arrays, then by conditions. Lines that begin with "//" do not count; block comments do.
 [[nodiscard]] std::vector<Entry> parse(std::string_view content);
 
-/// Loops over an array variable that return a proxy.
+/// Loops over an array variable that return a proxy. What goes beyond `maximumArraySize` is left out.
 [[nodiscard]] std::vector<Entry> parseArrayStyle(std::string_view content);
 
 /// Conditions that return a proxy, also over several lines. Of several conditions in a row the last one counts.

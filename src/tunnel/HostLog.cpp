@@ -17,6 +17,22 @@ namespace {
 constexpr mode_t logFileMode = 0600;
 constexpr std::size_t longestReason = 4096;
 
+/// Without the first bytes of a last character whose other bytes are missing.
+std::string_view withoutCutCharacter(std::string_view text) {
+    constexpr std::size_t longestCharacter = 4;
+    for (std::size_t length = 1; length < longestCharacter && length <= text.size(); ++length) {
+        const auto byte = static_cast<unsigned char>(text[text.size() - length]);
+        if (byte >= 0xC0) {
+            const std::size_t whole = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
+            return text.substr(0, text.size() - (length < whole ? length : 0));
+        }
+        if (byte < 0x80) {
+            break;
+        }
+    }
+    return text;
+}
+
 /// Finds the first line worth showing in text that comes in blocks.
 class ReasonFinder final {
 public:
@@ -38,7 +54,8 @@ public:
 
     /// The text has ended, perhaps without a line feed.
     bool endLine() {
-        const auto text = trimWhitespaceAndNewlines(line_);
+        const bool isCut = line_.size() == longestReason;
+        const auto text = trimWhitespaceAndNewlines(isCut ? withoutCutCharacter(line_) : line_);
         if (isKept(text)) {
             reason_ = std::string(text);
         }
@@ -55,11 +72,12 @@ private:
 
     /// A line of any length takes bounded memory: white space at its start and text beyond the limit are not kept.
     void addToLine(std::string_view piece) {
-        if (trimWhitespaceAndNewlines(line_).empty()) {
-            line_.clear();
-        }
-        if (line_.size() < longestReason) {
-            line_ += piece.substr(0, longestReason - line_.size());
+        while (!piece.empty() && line_.size() < longestReason) {
+            const auto part = piece.substr(0, longestReason - line_.size());
+            line_ += part;
+            piece.remove_prefix(part.size());
+            const auto kept = trimWhitespaceAndNewlines(line_);
+            line_.erase(0, kept.empty() ? line_.size() : static_cast<std::size_t>(kept.data() - line_.data()));
         }
     }
 

@@ -16,7 +16,7 @@ struct BundleInfo {
     bool operator==(const BundleInfo&) const = default;
 };
 
-/// Reads a property list, XML or binary. Anything but a dictionary fails.
+/// Reads a property list, XML or binary. Anything but a dictionary fails, and so do more than 128 KB.
 Result<BundleInfo, Error> decodeBundleInfo(std::string_view propertyList);
 
 /// Reads the property list of a bundle.

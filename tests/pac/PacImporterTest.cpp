@@ -275,6 +275,22 @@ TEST(AddPatterns, AddsManyPatternsToALongList) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
+TEST(PacImporter, LoopsOverALongArrayTakeBoundedMemory) {
+    std::string script = "var a = [\"" + std::string(100'000, '*') + "\"];\n";
+    for (int port = 1; port <= 1000; ++port) {
+        script += "a.length \"SOCKS5 localhost:" + std::to_string(port) + "\"\n";
+    }
+    std::size_t size = 0;
+    const auto entries = PacImporter::parseArrayStyle(script);
+    for (const auto& entry : entries) {
+        size += sizeof(Entry) + entry.pattern.size();
+    }
+    EXPECT_LE(size, PacImporter::maximumArraySize);
+    EXPECT_GT(size, PacImporter::maximumArraySize / 2);
+    ASSERT_FALSE(entries.empty());
+    EXPECT_EQ(entries.front().port, 1);
+}
+
 class HostileScript : public testing::TestWithParam<const char*> {};
 
 TEST_P(HostileScript, NeverHangsTheProgram) {

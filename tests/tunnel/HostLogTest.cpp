@@ -78,6 +78,37 @@ TEST(HostLog, AReasonWithoutEndIsCut) {
     EXPECT_EQ(exitReason(directory / "a.log", 1), std::string(4096, 'x'));
 }
 
+TEST(HostLog, AReasonIsFoundBehindAnyAmountOfWhiteSpace) {
+    const TemporaryDirectory directory;
+    for (const std::string blank : {" ", "\t", "\xC2\xA0", "\xE3\x80\x80"}) {
+        for (const std::size_t before : {1000U, 4095U, 4096U, 4097U, 30000U, 65535U, 65536U, 100000U}) {
+            std::string log;
+            for (std::size_t i = 0; i < before; ++i) {
+                log += blank;
+            }
+            writeContent(directory / "a.log", log + "the reason\nanother\n");
+            EXPECT_EQ(exitReason(directory / "a.log", 1), "the reason") << before;
+            writeContent(directory / "a.log", log + "[no reason\nanother\n");
+            EXPECT_EQ(exitReason(directory / "a.log", 1), "another") << before;
+        }
+    }
+}
+
+TEST(HostLog, AReasonIsCutBetweenCharacters) {
+    const TemporaryDirectory directory;
+    for (const std::string character : {"x", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"}) {
+        for (const std::size_t before : {0U, 1U, 2U, 3U}) {
+            std::string line(before, 'x');
+            const auto whole = line.size() + (4096 - line.size()) / character.size() * character.size();
+            while (line.size() < 5000) {
+                line += character;
+            }
+            writeContent(directory / "a.log", line);
+            EXPECT_EQ(exitReason(directory / "a.log", 1), line.substr(0, whole)) << character << before;
+        }
+    }
+}
+
 TEST(HostLog, WhatIsNoFileHasNoReason) {
     const TemporaryDirectory directory;
     ASSERT_EQ(::mkfifo((directory / "fifo.log").c_str(), 0600), 0);

@@ -5,7 +5,11 @@
 #include <gtest/gtest.h>
 #include <plist/plist.h>
 
+#include <chrono>
+#include <cstdint>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 namespace velmora {
 namespace {
@@ -61,6 +65,151 @@ TEST(BundleInfo, WhatIsNoDictionaryFails) {
     for (const auto& text : cases) {
         EXPECT_FALSE(decodeBundleInfo(text)) << text.substr(0, 100);
     }
+}
+
+/// The objects as they are, with the table of their places and the end behind them. Numbers take two bytes.
+std::string binaryList(const std::vector<std::string>& objects, std::uint64_t top = 0) {
+    const auto bigEndian = [](std::uint64_t number, int width) {
+        std::string bytes;
+        for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
+            bytes += static_cast<char>(number >> shift & 0xFF);
+        }
+        return bytes;
+    };
+    std::string list = "bplist00";
+    std::string places;
+    for (const auto& object : objects) {
+        places += bigEndian(list.size(), 2);
+        list += object;
+    }
+    const auto table = list.size();
+    return list + places + bigEndian(0, 6) + "\2\2" + bigEndian(objects.size(), 8) + bigEndian(top, 8) +
+           bigEndian(table, 8);
+}
+
+using namespace std::string_literals;
+const auto onePair = "\xD1\0\1\0\2"s;  // a dictionary of object 1 as the key and object 2 as the value
+const auto versionKey =
+    "\x5F\x10\x1A"
+    "CFBundleShortVersionString"s;
+
+TEST(BundleInfo, ReadsBinaryListsAsTheyAreWritten) {
+    EXPECT_EQ(decodeBundleInfo(binaryList({onePair, versionKey,
+                                           "\x53"
+                                           "1.9"s}))
+                  ->shortVersion,
+              "1.9");
+    EXPECT_EQ(decodeBundleInfo(binaryList({onePair, versionKey,
+                                           "\x62\0"
+                                           "1\0\xE9"s}))
+                  ->shortVersion,
+              "1\xC3\xA9");
+    EXPECT_EQ(decodeBundleInfo(binaryList({versionKey,
+                                           "\x53"
+                                           "1.9"s,
+                                           "\xD1\0\0\0\1"s},
+                                          2))
+                  ->shortVersion,
+              "1.9");
+    EXPECT_EQ(decodeBundleInfo(binaryList({"\xD2\0\1\0\1\0\2\0\3"s, versionKey,
+                                           "\x51"
+                                           "1"s,
+                                           "\x51"
+                                           "2"s}))
+                  ->shortVersion,
+              "2");
+    EXPECT_EQ(decodeBundleInfo(binary(xmlWithVersion("1.9 \xF0\x9F\x98\x80")))->shortVersion, "1.9 \xF0\x9F\x98\x80");
+}
+
+TEST(BundleInfo, AVersionWithAZeroByteIsReadWhole) {
+    const auto withZero = decodeBundleInfo(binaryList({onePair, versionKey,
+                                                       "\x53"
+                                                       "1\0"
+                                                       "2"s}));
+    ASSERT_TRUE(withZero);
+    EXPECT_EQ(withZero->shortVersion,
+              "1\0"
+              "2"s);
+}
+
+TEST(BundleInfo, BinaryListsThatPointOutsideHaveNoVersion) {
+    const std::string values[] = {"\x51"s,
+                                  "\x5F\x10\xFF"s,
+                                  "\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s,
+                                  "\x5F\x1F"s,
+                                  "\x5F"s,
+                                  "\x5F\x51"
+                                  "a"s,
+                                  "\x61\0"s,
+                                  "\x6F\x13\x80\0\0\0\0\0\0\0"s,
+                                  "\x51\x80"s,
+                                  "\x10\1"s,
+                                  "\x09"s};
+    for (const auto& value : values) {
+        const auto info = decodeBundleInfo(binaryList({onePair, versionKey, value}));
+        ASSERT_TRUE(info);
+        EXPECT_EQ(info->shortVersion, std::nullopt) << testing::PrintToString(value);
+    }
+    EXPECT_EQ(decodeBundleInfo(binaryList({onePair, versionKey}))->shortVersion, std::nullopt);
+    EXPECT_EQ(decodeBundleInfo(binaryList({onePair}))->shortVersion, std::nullopt);
+}
+
+TEST(BundleInfo, BinaryListsThatAreBrokenFail) {
+    const auto whole = binaryList({onePair, versionKey,
+                                   "\x51"
+                                   "1"s});
+    ASSERT_TRUE(decodeBundleInfo(whole));
+    const auto with = [&](std::size_t fromEnd, const std::string& bytes) {
+        auto broken = whole;
+        return broken.replace(broken.size() - fromEnd, bytes.size(), bytes);
+    };
+    const std::string cases[] = {binaryList({}),
+                                 binaryList({onePair}, 1),
+                                 binaryList({"\xD2\0\1\0"s}),
+                                 binaryList({"\xDF\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s}),
+                                 binaryList({"\xA0"s}),
+                                 with(26, "\0"s),                                // places without bytes
+                                 with(26, "\x09"s),                              // wider than any number
+                                 with(25, "\0"s),                                // references without bytes
+                                 with(24, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s),  // objects
+                                 with(8, "\0\0\0\0\0\0\0\7"s),                   // the table in the head
+                                 with(8, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s)};
+    for (const auto& bytes : cases) {
+        EXPECT_FALSE(decodeBundleInfo(bytes)) << testing::PrintToString(bytes);
+    }
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_FALSE(decodeBundleInfo(whole.substr(0, size))) << size;
+    }
+}
+
+TEST(BundleInfo, ListsThatUnfoldToMoreThanThereIsMemoryAreRead) {
+    // Forty arrays, each of which holds the next one fourteen times.
+    std::vector<std::string> objects{"\xD2\0\1\0\3\0\2\0\4"s, versionKey,
+                                     "\x53"
+                                     "1.9"s,
+                                     "\x51"
+                                     "x"s};
+    for (char next = 5; next < 45; ++next) {
+        std::string array = "\xAE";
+        for (int i = 0; i < 14; ++i) {
+            array += {'\0', next};
+        }
+        objects.push_back(array);
+    }
+    objects.push_back(
+        "\x51"
+        "y"s);
+    EXPECT_EQ(decodeBundleInfo(binaryList(objects))->shortVersion, "1.9");
+}
+
+TEST(BundleInfo, LargeListsTakeNoLongTime) {
+    std::string escapes;
+    while (escapes.size() < 1'000'000) {
+        escapes += "&amp;";
+    }
+    const auto start = std::chrono::steady_clock::now();
+    (void)decodeBundleInfo(xmlWithVersion(escapes));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 class RunningBundleTest : public testing::Test {
