@@ -1,6 +1,6 @@
 #include "Fuzz.h"
 #include "fakes/TemporaryDirectory.h"
-#include "platform/qt/QtDefaultsStore.h"
+#include "platform/qt/IniDefaultsStore.h"
 
 #include <array>
 #include <string>
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     writeContent(file, std::string(textOf(data, size)));
     std::array<std::string, keys.size()> values;
     {
-        const auto defaults = QtDefaultsStore::iniFile(file);
+        const auto defaults = std::make_unique<IniDefaultsStore>(file);
         for (std::size_t i = 0; i < keys.size(); ++i) {
             values[i] = defaults->string(keys[i]);
             require(values[i].empty() || defaults->contains(keys[i]), "what has a value is there");
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         defaults->setString("written", values[0]);
     }
-    const auto defaults = QtDefaultsStore::iniFile(file);
+    const auto defaults = std::make_unique<IniDefaultsStore>(file);
     require(defaults->string("written") == values[0], "what is written is read");
     for (std::size_t i = 0; i < keys.size(); ++i) {
         require(defaults->string(keys[i]) == values[i], "writing one value keeps the others");
