@@ -67,7 +67,8 @@ void HostRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     const int width = row.rect.width() - left - metrics::related;
     const int top = row.rect.top() + (row.rect.height() - nameMetrics.height() - statusMetrics.height()) / 2;
     const auto placed = [&row](const QRect& rect) { return QStyle::visualRect(row.direction, row.rect, rect); };
-    const auto alignment = QStyle::visualAlignment(row.direction, Qt::AlignLeft | Qt::AlignVCenter);
+    const auto alignment =
+        static_cast<int>(QStyle::visualAlignment(row.direction, Qt::AlignLeft | Qt::AlignVCenter).toInt());
 
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);

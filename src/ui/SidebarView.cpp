@@ -73,6 +73,7 @@ void SidebarView::layOut() {
     search_->setAccessibleName(tr("Search"));
     search_->addAction(symbolIcon(QStringLiteral("magnifyingglass")), QLineEdit::LeadingPosition);
     // Qt's own button would look through the icon theme, which takes longer than all else in the window.
+    clear_->setObjectName(QStringLiteral("clearSearch"));
     clear_->setText(tr("Clear Search"));
     clear_->setVisible(false);
     connect(clear_, &QAction::triggered, search_, &QLineEdit::clear);
@@ -247,7 +248,10 @@ bool SidebarView::eventFilter(QObject* object, QEvent* event) {
             return true;
         }
         if (key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter) {
-            list_->setFocus();
+            focusList();
+            if (model_.rowCount() > 0 && !list_->selectionModel()->hasSelection()) {
+                list_->select(0, HostListView::Scroll::toSelected);
+            }
             return true;
         }
     }
