@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "pac/ProxyExceptions.h"
+#include "ui/CaptionLabel.h"
 #include "ui/FindBar.h"
 #include "ui/FindButton.h"
 #include "ui/IconButton.h"
@@ -48,6 +49,11 @@ void ExceptionsEditorView::fill() {
     content_->setAccessibleName(tr("Hosts that bypass the proxy, one per line"));
     content_->setTabChangesFocus(true);
     auto* bar = new FindBar(*content_);
+    auto* caption = new CaptionLabel(
+        tr("One host pattern per line. Wildcards allowed (e.g. 10.0.*, *.corp). Saved exceptions are added to the PAC "
+           "ahead of all proxy rules."));
+    caption->setObjectName(QStringLiteral("caption"));
+    content_->setAccessibleDescription(caption->text());
     count_->setObjectName(QStringLiteral("count"));
     count_->setTextFormat(Qt::PlainText);
     save_->setObjectName(QStringLiteral("save"));
@@ -76,6 +82,8 @@ void ExceptionsEditorView::fill() {
     column->addSpacing(metrics::related);
     column->addWidget(bar);
     column->addWidget(content_, 1);
+    column->addSpacing(metrics::caption);
+    column->addWidget(caption);
     column->addSpacing(metrics::related);
     column->addLayout(bottom);
     setCentralWidget(page);

@@ -38,6 +38,13 @@ protected:
     QPointer<ExceptionsEditorView> window;
 };
 
+TEST_F(ExceptionsEditorViewTest, SaysWhatALineMayBe) {
+    open();
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("caption"))->text(),
+              QStringLiteral("One host pattern per line. Wildcards allowed (e.g. 10.0.*, *.corp). Saved exceptions are "
+                             "added to the PAC ahead of all proxy rules."));
+}
+
 TEST_F(ExceptionsEditorViewTest, OpensWithTheListAndTheFocusInTheField) {
     open("b.example\nA.example");
     EXPECT_EQ(text().text(), QStringLiteral("b.example\nA.example"));
