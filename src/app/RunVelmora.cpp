@@ -15,6 +15,7 @@
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/QtWorkspace.h"
 #include "platform/qt/SingleInstance.h"
+#include "ui/ApplicationIcon.h"
 #include "ui/SystemDialogs.h"
 #include "ui/VelmoraApp.h"
 #include "update/CodeRequirement.h"
@@ -48,6 +49,7 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
     raiseFileLimit();
     introduce();
     const QApplication application(argc, argv);
+    QApplication::setWindowIcon(applicationIcon());
 
     QtScheduler scheduler;
     IoThread io;

@@ -63,7 +63,7 @@ public:
         return before_.add(std::move(handler));
     }
 
-    Subscription observe(std::function<void()> handler) { return after_.add(std::move(handler)); }
+    Subscription observe(std::function<void()> handler) const { return after_.add(std::move(handler)); }
 
 private:
     template <typename... Args>
@@ -97,7 +97,7 @@ private:
 
     T value_{};
     Handlers<const T&> before_;
-    Handlers<> after_;
+    mutable Handlers<> after_;  ///< who looks on changes nothing
 };
 
 }  // namespace velmora

@@ -137,7 +137,10 @@ void TunnelManager::applyPac(const std::string& edited) {
 }
 
 std::size_t TunnelManager::importPacPatterns(const std::filesystem::path& file) {
-    const auto entries = PacImporter::parse(PacImporter::readScript(file));
+    return importPacPatterns(PacImporter::parse(PacImporter::readScript(file)));
+}
+
+std::size_t TunnelManager::importPacPatterns(const std::vector<PacImporter::Entry>& entries) {
     auto hosts = hosts_.get();
     const auto additions = PacImporter::addPatterns(entries, hosts);
     if (additions > 0) {

@@ -5,6 +5,7 @@
 #include "manager/KeychainStore.h"
 #include "model/ConnectionStatus.h"
 #include "model/SSHHost.h"
+#include "pac/PacImporter.h"
 #include "pac/PacServer.h"
 #include "platform/CredentialStore.h"
 #include "platform/DefaultsStore.h"
@@ -104,6 +105,8 @@ public:
     /// Adds the patterns of somebody's script to the Dynamic rules on the same ports, and saves if there are new ones.
     /// Returns how many were added.
     std::size_t importPacPatterns(const std::filesystem::path& file);
+    /// The same with a script that has been read and taken apart already, which can take its time.
+    std::size_t importPacPatterns(const std::vector<PacImporter::Entry>& entries);
 
     // ---- sharing, imports, backups ----
 

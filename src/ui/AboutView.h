@@ -2,6 +2,9 @@
 
 #include "ui/ManagedWindow.h"
 
+class QLabel;
+class QTextBrowser;
+
 namespace velmora {
 
 struct WindowServices;
@@ -14,7 +17,13 @@ public:
     explicit AboutView(WindowServices& services);
 
 private:
-    WindowServices& services_;
+    void changeEvent(QEvent* event) override;
+    /// Takes over font and colours.
+    void adopt();
+
+    QLabel* name_;
+    QTextBrowser* changes_;
+    bool adopting_ = false;
 };
 
 }  // namespace velmora

@@ -1,5 +1,7 @@
 #include "ui/MenuBarContent.h"
 
+#include "ui/WindowServices.h"
+
 #include <algorithm>
 #include <unordered_map>
 #include <utility>
@@ -21,24 +23,44 @@ void setEnabled(QAction& action, bool enabled) {
     }
 }
 
+void setVisible(QAction& action, bool visible) {
+    if (action.isVisible() != visible) {
+        action.setVisible(visible);
+    }
+}
+
 }  // namespace
 
-MenuBarContent::MenuBarContent(TunnelManager& manager, MenuText drawnAs, Actions actions)
-    : manager_(manager), drawnAs_(drawnAs) {
+MenuBarContent::MenuBarContent(TunnelManager& manager, Updater& updater, MenuText drawnAs, Actions actions)
+    : manager_(manager), updater_(updater), drawnAs_(drawnAs) {
     menu_.setToolTipsVisible(true);
-    connectAll_ = addEntry(menu_, QStringLiteral("Connect All"), [this] { connectAll(); });
-    disconnectAll_ = addEntry(menu_, QStringLiteral("Disconnect All"), [this] { disconnectAll(); });
-    menu_.addSeparator();
-    hostsEnd_ = menu_.addSeparator();
-    addEntry(menu_, QStringLiteral("Open Main Window"), std::move(actions.openMainWindow));
-    menu_.addSeparator();
-    addEntry(menu_, QStringLiteral("Quit Velmora"), std::move(actions.quit));
+    addEntries(std::move(actions));
     refresh();
 }
 
 MenuBarContent::~MenuBarContent() = default;
 
+void MenuBarContent::addEntries(Actions actions) {
+    const auto opens = [open = std::move(actions.openManagedWindow)](std::string_view id) {
+        return [open, id] { open(id); };
+    };
+    update_ = addEntry(menu_, {}, [this] { updater_.install(); });
+    updateEnd_ = menu_.addSeparator();
+    connectAll_ = addEntry(menu_, tr("Connect All"), [this] { connectAll(); });
+    disconnectAll_ = addEntry(menu_, tr("Disconnect All"), [this] { disconnectAll(); });
+    menu_.addSeparator();
+    hostsEnd_ = menu_.addSeparator();
+    addEntry(menu_, tr("Add Proxy Exception…"), opens(windows::quickException));
+    menu_.addSeparator();
+    addEntry(menu_, tr("Open Main Window"), opens(windows::main));
+    addEntry(menu_, tr("Settings…"), opens(windows::settings));
+    addEntry(menu_, tr("About Velmora"), opens(windows::about));
+    menu_.addSeparator();
+    addEntry(menu_, tr("Quit Velmora"), std::move(actions.quit));
+}
+
 void MenuBarContent::refresh() {
+    showUpdate();
     dropItemsOfMissingHosts();
     bool anyActive = false;
     bool anyIdle = false;
@@ -52,9 +74,18 @@ void MenuBarContent::refresh() {
     items_.resize(hosts.size());
     setEnabled(*connectAll_, anyIdle);
     setEnabled(*disconnectAll_, anyActive);
-    if (hostsEnd_->isVisible() == hosts.empty()) {
-        hostsEnd_->setVisible(!hosts.empty());
+    setVisible(*hostsEnd_, !hosts.empty());
+}
+
+void MenuBarContent::showUpdate() {
+    const auto& manifest = updater_.available().get();
+    if (manifest) {
+        const QString label = tr("Update to v%1 & Relaunch").arg(QString::fromStdString(manifest->version));
+        update_->setText(menuLabel(label.toStdString(), drawnAs_));  // a text that stays the same changes nothing
+        setEnabled(*update_, !*updater_.isBusy());
     }
+    setVisible(*update_, manifest.has_value());
+    setVisible(*updateEnd_, manifest.has_value());
 }
 
 /// First of all, so that the items behind them keep their places. An id may be there more than once.

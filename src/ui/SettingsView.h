@@ -2,8 +2,11 @@
 
 #include "ui/ManagedWindow.h"
 
+#include <array>
+
 namespace velmora {
 
+class SettingsSection;
 struct WindowServices;
 
 /// The settings, in one column of titled groups. Main thread.
@@ -14,7 +17,11 @@ public:
     explicit SettingsView(WindowServices& services);
 
 private:
-    WindowServices& services_;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void alignLabels();
+
+    std::array<SettingsSection*, 5> sections_;
 };
 
 }  // namespace velmora

@@ -36,6 +36,8 @@ VelmoraApp::VelmoraApp(const Parts& parts)
     connect(&refreshSoon_, &QTimer::timeout, this, &VelmoraApp::refresh);
     subscriptions_.push_back(manager_.hosts().observe([this] { refreshSoon_.start(0); }));
     subscriptions_.push_back(manager_.statuses().observe([this] { refreshSoon_.start(0); }));
+    subscriptions_.push_back(parts.updater.available().observe([this] { refreshSoon_.start(0); }));
+    subscriptions_.push_back(parts.updater.isBusy().observe([this] { refreshSoon_.start(0); }));
     subscriptions_.push_back(commands_.importResult().observe([this] { showImportResult(); }));
 
     connect(qApp, &QCoreApplication::aboutToQuit, this, &VelmoraApp::shutDown);
@@ -53,7 +55,8 @@ void VelmoraApp::trayFound(TrayKind kind) {
     const auto openMainWindow = [this] { openManagedWindow(windows::main); };
     const auto drawnAs = kind == TrayKind::statusNotifier ? MenuText::exported : MenuText::widget;
     content_ = std::make_unique<MenuBarContent>(
-        manager_, drawnAs, MenuBarContent::Actions{.openMainWindow = openMainWindow, .quit = [this] { quit(); }});
+        manager_, services_.updater, drawnAs,
+        MenuBarContent::Actions{.openManagedWindow = services_.openManagedWindow, .quit = [this] { quit(); }});
 
     std::function<void()> activated;
     switch (kind) {

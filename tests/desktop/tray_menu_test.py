@@ -1,7 +1,14 @@
 """The status icon and its menu, read and clicked from outside the program, as a panel does."""
 
+import http.server
+import json
+import os
+import subprocess
+import threading
+
 from desktop import Item, Watcher, host, refusing_host, run_tests, ssh_children, stays, wait_until
 
+WINDOW_ENTRIES = ["Add Proxy Exception…", "-", "Open Main Window", "Settings…", "About Velmora", "-", "Quit Velmora"]
 GREEN, YELLOW, WHITE, RED = (0x34, 0xA8, 0x53), (0xF2, 0xB0, 0x1E), (0xFF, 0xFF, 0xFF), (0xE5, 0x48, 0x4D)
 
 
@@ -14,7 +21,7 @@ def start(desktop, hosts):
 
 def without_hosts_nothing_can_be_connected_and_the_icon_is_slashed(desktop):
     _, item = start(desktop, [])
-    assert item.texts() == ["Connect All", "Disconnect All", "-", "Open Main Window", "-", "Quit Velmora"]
+    assert item.texts() == ["Connect All", "Disconnect All", "-", *WINDOW_ENTRIES]
     assert not item.entry("Connect All").enabled
     assert not item.entry("Disconnect All").enabled
     assert item.slashed()
@@ -23,8 +30,7 @@ def without_hosts_nothing_can_be_connected_and_the_icon_is_slashed(desktop):
 
 def entries_stand_in_the_order_of_the_list(desktop):
     _, item = start(desktop, [host("web"), host("db"), host("app")])
-    assert item.texts() == ["Connect All", "Disconnect All", "-", "web", "db", "app", "-", "Open Main Window", "-",
-                            "Quit Velmora"]
+    assert item.texts() == ["Connect All", "Disconnect All", "-", "web", "db", "app", "-", *WINDOW_ENTRIES]
     assert item.entry("Connect All").enabled
     assert not item.entry("Disconnect All").enabled
     assert item.entry("web").dot() == WHITE
@@ -99,6 +105,78 @@ def open_main_window_brings_the_one_window_forward(desktop):
     stays(lambda: desktop.windows() == window, "the same window and no other")
 
 
+def titled(desktop, title):
+    """The visible windows of this title."""
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"], env=desktop.environment,
+                           stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=False)
+    return found.stdout.split()
+
+
+def every_window_opens_once_and_quitting_takes_them_along(desktop):
+    program, item = start(desktop, [host("web")])
+    windows = {"Add Proxy Exception…": "Add Proxy Exception", "Settings…": "Settings", "About Velmora": "About Velmora"}
+    for entry, title in windows.items():
+        item.click(entry)
+        window = wait_until(lambda title=title: titled(desktop, title), f"{title} opens")
+        item.click(entry)
+        stays(lambda title=title, window=window: titled(desktop, title) == window, "the same window and no other", 0.3)
+    item.click("Quit Velmora")
+    assert program.wait(2) == 0
+
+
+class Feed(http.server.ThreadingHTTPServer):
+    """Offers an update whose archive never comes."""
+
+    daemon_threads = True
+
+    def __init__(self, version):
+        self.asked = threading.Event()  # for the archive
+        self.answer = threading.Event()
+        feed = self
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_GET(self):  # noqa: N802  the base class calls it so
+                if self.path == "/archive.zip":
+                    feed.asked.set()
+                    feed.answer.wait()
+                    self.send_error(404)
+                    return
+                body = json.dumps({"version": version, "url": feed.url("archive.zip"), "sha256": "0" * 64}).encode()
+                self.send_response(200)
+                self.send_header("Content-Length", str(len(body)))
+                self.end_headers()
+                self.wfile.write(body)
+
+            def log_message(self, *_):
+                pass
+
+        super().__init__(("127.0.0.1", 0), Handler)
+        threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def url(self, path):
+        return f"http://127.0.0.1:{self.server_address[1]}/{path}"
+
+
+def an_update_stands_first_and_cannot_be_chosen_while_it_installs(desktop):
+    feed = Feed("99.1")
+    settings = os.path.join(desktop.home, ".config")
+    os.makedirs(settings, exist_ok=True)
+    with open(os.path.join(settings, "com.velmora.app.conf"), "w", encoding="utf-8") as file:
+        file.write(f"[General]\nupdateFeedURL={feed.url('appcast.json')}\n")
+    _, item = start(desktop, [host("web")])
+    assert item.texts()[0] == "Connect All"
+    update = "Update to v99.1 & Relaunch"
+    wait_until(lambda: item.texts()[:3] == [update, "-", "Connect All"], "the update is found")
+    assert item.entry(update).enabled
+    assert item.entry(update).mnemonic in ("", "\u2060")
+    item.click(update)
+    assert feed.asked.wait(20), "the archive is asked for"
+    wait_until(lambda: not item.entry(update).enabled, "one at a time")
+    feed.answer.set()
+    wait_until(lambda: titled(desktop, "Velmora"), "the failure is told")
+    feed.shutdown()
+
+
 def quit_ends_the_program_and_every_ssh(desktop):
     program, item = start(desktop, [host("web"), host("db")])
     item.click("Connect All")
@@ -134,6 +212,8 @@ if __name__ == "__main__":
         connect_all_and_disconnect_all,
         a_host_in_error_counts_as_idle_and_its_dot_is_red,
         open_main_window_brings_the_one_window_forward,
+        every_window_opens_once_and_quitting_takes_them_along,
+        an_update_stands_first_and_cannot_be_chosen_while_it_installs,
         quit_ends_the_program_and_every_ssh,
         hundreds_of_hosts,
     )

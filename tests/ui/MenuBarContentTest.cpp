@@ -1,5 +1,5 @@
-#include "ui/ManagerStand.h"
 #include "ui/MenuBarContent.h"
+#include "ui/WindowStand.h"
 
 #include <QActionEvent>
 
@@ -53,18 +53,19 @@ protected:
     QColor dot(const std::string& text) { return entry(text).icon().pixmap(16).toImage().pixelColor(8, 8); }
     std::vector<std::string> hostTexts() {
         auto all = texts();
-        return {all.begin() + 3, all.end() - 4};
+        return {all.begin() + 3, all.end() - 8};
     }
 
-    ManagerStand stand;
-    int windowsOpened = 0;
+    WindowStand stand;
     int quits = 0;
     MenuBarContent content{
-        stand.manager, MenuText::widget, {.openMainWindow = [this] { ++windowsOpened; }, .quit = [this] { ++quits; }}};
+        stand.manager, stand.updater, MenuText::widget,
+        MenuBarContent::Actions{.openManagedWindow = stand.services.openManagedWindow, .quit = [this] { ++quits; }}};
 };
 
 TEST_F(MenuBarContentTest, WithNoHostsBothAllEntriesAreDisabledAndTheHostSectionIsEmpty) {
-    EXPECT_THAT(texts(), ElementsAre("Connect All", "Disconnect All", "-", "Open Main Window", "-", "Quit Velmora"));
+    EXPECT_THAT(texts(), ElementsAre("Connect All", "Disconnect All", "-", "Add Proxy Exception…", "-",
+                                     "Open Main Window", "Settings…", "About Velmora", "-", "Quit Velmora"));
     EXPECT_FALSE(entry("Connect All").isEnabled());
     EXPECT_FALSE(entry("Disconnect All").isEnabled());
 }
@@ -72,8 +73,9 @@ TEST_F(MenuBarContentTest, WithNoHostsBothAllEntriesAreDisabledAndTheHostSection
 TEST_F(MenuBarContentTest, HostsStandBetweenDividersInTheOrderOfTheList) {
     stand.setHostsNamed({"web", "db", "app"});
     content.refresh();
-    EXPECT_THAT(texts(), ElementsAre("Connect All", "Disconnect All", "-", "web", "db", "app", "-", "Open Main Window",
-                                     "-", "Quit Velmora"));
+    EXPECT_THAT(texts(),
+                ElementsAre("Connect All", "Disconnect All", "-", "web", "db", "app", "-", "Add Proxy Exception…", "-",
+                            "Open Main Window", "Settings…", "About Velmora", "-", "Quit Velmora"));
     EXPECT_TRUE(entry("Connect All").isEnabled());
     EXPECT_FALSE(entry("Disconnect All").isEnabled());
 }
@@ -178,12 +180,65 @@ TEST_F(MenuBarContentTest, ANameIsNoMnemonic) {
     EXPECT_THAT(hostTexts(), ElementsAre("R&&D_x"));
 }
 
-TEST_F(MenuBarContentTest, TheLastEntriesOpenTheWindowAndQuit) {
+TEST_F(MenuBarContentTest, TheOtherEntriesOpenTheirWindowsAndQuit) {
+    entry("Add Proxy Exception…").trigger();
     entry("Open Main Window").trigger();
-    EXPECT_EQ(windowsOpened, 1);
+    entry("Settings…").trigger();
+    entry("About Velmora").trigger();
+    EXPECT_THAT(stand.opened, ElementsAre("quick-exception", "main", "settings", "about"));
     EXPECT_EQ(quits, 0);
     entry("Quit Velmora").trigger();
     EXPECT_EQ(quits, 1);
+}
+
+TEST_F(MenuBarContentTest, AnAvailableUpdateStandsFirstWithADivider) {
+    stand.offerUpdate("1.16.0");
+    content.refresh();
+    auto found = texts();
+    found.resize(3);
+    EXPECT_THAT(found, ElementsAre("Update to v1.16.0 && Relaunch", "-", "Connect All"));
+    EXPECT_TRUE(entry("Update to v1.16.0 && Relaunch").isEnabled());
+
+    stand.updater.available().set(std::nullopt);
+    content.refresh();
+    EXPECT_EQ(texts().front(), "Connect All");
+}
+
+TEST_F(MenuBarContentTest, AnotherUpdateTakesTheEntryOver) {
+    stand.offerUpdate("1.16.0");
+    content.refresh();
+    const QAction* before = &entry("Update to v1.16.0 && Relaunch");
+    stand.offerUpdate("1.16.1");
+    content.refresh();
+    EXPECT_EQ(&entry("Update to v1.16.1 && Relaunch"), before);
+    const Changes changes(content.menu());
+    content.refresh();
+    EXPECT_EQ(changes.changed, 0);
+}
+
+TEST_F(MenuBarContentTest, ChoosingTheUpdateInstallsItOnceAtATime) {
+    stand.offerUpdate("1.16.0");
+    content.refresh();
+    QAction& update = entry("Update to v1.16.0 && Relaunch");
+    update.trigger();
+    EXPECT_TRUE(*stand.updater.isBusy());
+    EXPECT_EQ(stand.worker.waiting(), 1U);
+    content.refresh();
+    EXPECT_FALSE(update.isEnabled());
+
+    stand.worker.runAll();  // it fails: the feed's answer is no archive
+    stand.scheduler.runPosted();
+    stand.updateAlert.dismiss();
+    content.refresh();
+    EXPECT_TRUE(update.isEnabled());
+}
+
+TEST_F(MenuBarContentTest, AnExportedMenuShowsOneAmpersandToo) {
+    MenuBarContent exported(stand.manager, stand.updater, MenuText::exported, {});
+    stand.offerUpdate("1.16.0_rc");
+    exported.refresh();
+    EXPECT_EQ(exported.menu().actions().constFirst()->text(),
+              QStringLiteral("&\u2060Update to v1.16.0__rc & Relaunch"));
 }
 
 TEST_F(MenuBarContentTest, WhatHasNotChangedIsNotTouched) {
@@ -232,7 +287,8 @@ TEST_F(MenuBarContentTest, HostsComeGoAndMove) {
     apply([](auto& hosts) { hosts.erase(hosts.begin()); });
     EXPECT_THAT(hostTexts(), ElementsAre("b", "x", "d", "c"));
     apply([](auto& hosts) { hosts.clear(); });
-    EXPECT_THAT(texts(), ElementsAre("Connect All", "Disconnect All", "-", "Open Main Window", "-", "Quit Velmora"));
+    EXPECT_THAT(texts(), ElementsAre("Connect All", "Disconnect All", "-", "Add Proxy Exception…", "-",
+                                     "Open Main Window", "Settings…", "About Velmora", "-", "Quit Velmora"));
 }
 
 TEST_F(MenuBarContentTest, ADeletedHostLeavesTheMenu) {

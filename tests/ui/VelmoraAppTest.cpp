@@ -106,6 +106,35 @@ TEST_F(VelmoraAppTest, OpenMainWindowWhileItIsOpenBringsItForwardAndOpensNoSecon
               1);
 }
 
+TEST_F(VelmoraAppTest, TheMenuFollowsTheUpdater) {
+    tray.appear(TrayKind::embedded);
+    stand.offerUpdate("1.16.0");
+    QApplication::processEvents();
+    const QAction* update = entry(QStringLiteral("Update to v1.16.0 && Relaunch"));
+    ASSERT_NE(update, nullptr);
+    EXPECT_TRUE(update->isVisible());
+    EXPECT_TRUE(update->isEnabled());
+    stand.updater.install();
+    QApplication::processEvents();
+    EXPECT_FALSE(update->isEnabled());
+    stand.updater.available().set(std::nullopt);
+    QApplication::processEvents();
+    EXPECT_FALSE(update->isVisible());
+}
+
+TEST_F(VelmoraAppTest, TheMenuOpensTheWindowThatItNames) {
+    tray.appear(TrayKind::embedded);
+    entry(QStringLiteral("Settings…"))->trigger();
+    ASSERT_NE(app->window("settings"), nullptr);
+    EXPECT_EQ(app->window("settings")->windowTitle(), QStringLiteral("Settings"));
+    entry(QStringLiteral("About Velmora"))->trigger();
+    ASSERT_NE(app->window("about"), nullptr);
+    EXPECT_EQ(app->window("about")->windowTitle(), QStringLiteral("About Velmora"));
+    entry(QStringLiteral("Add Proxy Exception…"))->trigger();
+    ASSERT_NE(app->window("quick-exception"), nullptr);
+    EXPECT_EQ(app->window("quick-exception")->windowTitle(), QStringLiteral("Add Proxy Exception"));
+}
+
 TEST_F(VelmoraAppTest, OpeningAMinimizedWindowRestoresIt) {
     app->openManagedWindow("main");
     mainWindow()->showMinimized();

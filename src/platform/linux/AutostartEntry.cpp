@@ -22,20 +22,44 @@ std::string asArgument(std::string_view path) {
             case '"':
             case '`':
             case '$':
-                argument += "\\\\";
+                argument += R"(\\)";
                 argument += character;
                 break;
             case '\\':
-                argument += "\\\\\\\\";
+                argument += R"(\\\\)";
                 break;
             case '%':
                 argument += "%%";
+                break;
+            case '\n':
+                argument += R"(\n)";
+                break;
+            case '\r':
+                argument += R"(\r)";
+                break;
+            case '\t':
+                argument += R"(\t)";
                 break;
             default:
                 argument += character;
         }
     }
     return argument + '"';
+}
+
+/// Whether this line of an entry keeps the session from starting it.
+bool switchesOff(std::string_view line) {
+    const auto equals = line.find('=');
+    if (equals == std::string_view::npos) {
+        return false;
+    }
+    const auto key = trimWhitespaceAndNewlines(line.substr(0, equals));
+    const auto value = trimWhitespaceAndNewlines(line.substr(equals + 1));
+    if (key == "Hidden") {
+        return value == "true" || value == "1";
+    }
+    const bool isSwitch = key.starts_with("X-") && key.ends_with("-Autostart-enabled");  // each desktop has its own
+    return isSwitch && (value == "false" || value == "0");
 }
 
 }  // namespace
@@ -50,9 +74,10 @@ bool AutostartEntry::isEnabled() const {
         return false;
     }
     const auto all = lines(*entry);
-    return std::none_of(all.begin(), all.end(), [](std::string_view line) {
-        return line == "Hidden=true" || line == "X-GNOME-Autostart-enabled=false";
-    });
+    const auto isGroup = [](std::string_view line) { return line.starts_with('['); };
+    const auto own = std::find(all.begin(), all.end(), "[Desktop Entry]");
+    const auto end = own == all.end() ? own : std::find_if(own + 1, all.end(), isGroup);
+    return own != all.end() && std::none_of(own, end, switchesOff);
 }
 
 void AutostartEntry::set(bool enabled) {

@@ -16,9 +16,9 @@ void LoginItem::set(bool enabled) {
         SMAppService* service = [SMAppService mainAppService];
         // A failure is silent: the switch keeps what the user chose.
         if (enabled) {
-            [service registerAndReturnError:nil];
+            [service registerAndReturnError:nullptr];
         } else {
-            [service unregisterAndReturnError:nil];
+            [service unregisterAndReturnError:nullptr];
         }
     }
 }

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "base/Observable.h"
+#include "ui/SettingsSection.h"
+
+#include <vector>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+
+namespace velmora {
+
+class ElidedLabel;
+class Updater;
+struct WindowServices;
+
+/// Where updates come from, and the one that is there. Main thread.
+class UpdatesSection final : public SettingsSection {
+    Q_OBJECT
+
+public:
+    explicit UpdatesSection(WindowServices& services);
+
+private:
+    void addFeed(WindowServices& services);
+    void addCheck();
+    void addOffer();
+    void follow();
+    void showSettings();
+    void showBusy();
+    void showOffer();
+    void showProgress();
+    void showMessages();
+
+    Updater& updater_;
+    QCheckBox* autoUpdate_;
+    QLineEdit* feedUrl_;
+    QPushButton* check_;
+    QWidget* offer_;
+    ElidedLabel* available_;
+    QPushButton* install_;
+    QProgressBar* progress_;
+    QLabel* status_;
+    QLabel* error_;
+    QWidget* focusAfterwards_ = nullptr;  ///< of the buttons, the one that was used
+    std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace velmora
