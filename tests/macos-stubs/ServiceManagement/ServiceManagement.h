@@ -6,8 +6,8 @@ typedef enum { SMAppServiceStatusNotRegistered, SMAppServiceStatusEnabled } SMAp
 
 @class NSError;
 
-__attribute__((availability(macos, introduced = 13.0)))
-__attribute__((objc_root_class)) @interface SMAppService
+__attribute__((availability(macos, introduced = 13.0))) __attribute__((objc_root_class))
+@interface SMAppService
 + (SMAppService*)mainAppService;
 - (BOOL)registerAndReturnError:(NSError**)error;
 - (BOOL)unregisterAndReturnError:(NSError**)error;
