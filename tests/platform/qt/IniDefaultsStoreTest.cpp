@@ -107,7 +107,7 @@ TEST_F(IniDefaultsStoreTest, ReadsAListThatWasWrittenByHand) {
 
 TEST_F(IniDefaultsStoreTest, KeepsAListThatWasWrittenByHand) {
     std::filesystem::create_directories(file.parent_path());
-    for (const std::string separator : {std::string(), std::string(1, '\0'), std::string(", @")}) {
+    for (const std::string& separator : {std::string(), std::string(1, '\0'), std::string(", @")}) {
         writeContent(file, "[General]\nglobalProxyJump=a" + separator + "b, c\n");
         open()->setBoolean("performanceMode", true);
         EXPECT_EQ(open()->string("globalProxyJump"), "a" + separator + "b, c");
