@@ -48,6 +48,9 @@ public:
     [[nodiscard]] bool send(std::string_view bytes) {
         while (!bytes.empty()) {
             const auto sent = ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            if (sent < 0 && errno == EINTR) {
+                continue;
+            }
             if (sent < 0) {
                 return false;
             }
@@ -78,6 +81,9 @@ public:
         std::array<char, 65'536> buffer{};
         for (;;) {
             const auto size = ::recv(socket_.get(), buffer.data(), buffer.size(), 0);
+            if (size < 0 && errno == EINTR) {
+                continue;
+            }
             if (size <= 0) {
                 answer.error = size < 0 ? errno : 0;
                 break;
@@ -109,9 +115,21 @@ private:
         if (receiveBuffer > 0) {
             ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
         }
-        if (::connect(socket_.get(), generic, sizeof address) != 0) {
-            throw std::runtime_error(std::strerror(errno));
+        int error = ::connect(socket_.get(), generic, sizeof address) == 0 ? 0 : errno;
+        if (error == EINTR) {
+            error = endOfConnecting();
         }
+        if (error != 0) {
+            throw std::runtime_error(std::strerror(error));
+        }
+    }
+
+    /// A signal ends the wait only: the connection is still being made. What came of it.
+    [[nodiscard]] int endOfConnecting() const {
+        pollfd descriptor{socket_.get(), POLLOUT, 0};
+        while (::poll(&descriptor, 1, -1) < 0 && errno == EINTR) {
+        }
+        return pendingError();
     }
 
     UniqueFd socket_;

@@ -20,15 +20,25 @@ QString text(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
 }
 
-}  // namespace
-
-IniDefaultsStore::IniDefaultsStore(std::filesystem::path file) : file_(std::move(file)) {
-    const QSettings settings(text(file_), QSettings::IniFormat);
+/// What can be read of a file; lines that cannot are left out.
+std::map<QString, QVariant> readable(const std::filesystem::path& file) {
+    const QSettings settings(text(file), QSettings::IniFormat);
+    std::map<QString, QVariant> values;
     const QStringList keys = settings.allKeys();
     for (const QString& key : keys) {
-        values_[key] = settings.value(key);
+        if (key.isEmpty()) {
+            continue;
+        }
+        const QVariant value = settings.value(key);
+        // We have no lists, and Qt cannot read back each that it writes.
+        values[key] = isSettingList(value) ? settingText(settingString(value)) : value;
     }
+    return values;
 }
+
+}  // namespace
+
+IniDefaultsStore::IniDefaultsStore(std::filesystem::path file) : file_(std::move(file)), values_(readable(file_)) {}
 
 bool IniDefaultsStore::boolean(std::string_view key) const {
     const auto entry = values_.find(settingText(key));
@@ -64,13 +74,15 @@ void IniDefaultsStore::change(const QString& key, const QVariant& value) {
     write();
 }
 
-/// The format is Qt's own, so a copy of the file is changed by Qt, and then takes the file's place.
+/// The format is Qt's own, so Qt reads a copy of the file and writes another one, which then takes the file's place. Qt
+/// would change the copy as well, but after a line that it cannot read it no longer tells whether that worked.
 void IniDefaultsStore::write() {
     const QTemporaryDir scratch;
     if (!scratch.isValid()) {
         return;  // silent: the value holds until the program ends
     }
-    const std::filesystem::path copy = scratch.filePath(QStringLiteral("settings")).toStdString();
+    const std::filesystem::path copy = scratch.filePath(QStringLiteral("before")).toStdString();
+    const std::filesystem::path written = scratch.filePath(QStringLiteral("after")).toStdString();
     std::error_code error;
     if (const auto current = readFile(file_, largest)) {
         if (!writeFileAtomically(copy, *current)) {
@@ -79,8 +91,14 @@ void IniDefaultsStore::write() {
     } else if (std::filesystem::exists(file_, error) || error) {
         return;  // what stands in it must not be lost; the next change tries again
     }
+    if (!writeFileAtomically(written, {})) {  // Qt makes none when there is nothing left to write
+        return;
+    }
     {
-        QSettings settings(text(copy), QSettings::IniFormat);
+        QSettings settings(text(written), QSettings::IniFormat);
+        for (const auto& [key, value] : readable(copy)) {
+            settings.setValue(key, value);
+        }
         for (const auto& [key, value] : unwritten_) {
             if (value.isValid()) {
                 settings.setValue(key, value);
@@ -93,7 +111,7 @@ void IniDefaultsStore::write() {
             return;
         }
     }
-    const auto changed = readFile(copy, largest);
+    const auto changed = readFile(written, largest);
     if (changed && createPrivateDirectory(file_.parent_path()) && writeFileAtomically(file_, *changed)) {
         unwritten_.clear();
     }

@@ -14,10 +14,14 @@ namespace velmora {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+/// A comma outside quotation marks, written by hand, makes a list of a text; its items are variants where one begins
+/// with an @.
+[[nodiscard]] inline bool isSettingList(const QVariant& value) {
+    return value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList;
+}
+
 [[nodiscard]] inline std::string settingString(const QVariant& value) {
-    // A comma outside quotation marks, written by hand, makes a list of it.
-    const bool list = value.typeId() == QMetaType::QStringList;
-    return (list ? value.toStringList().join(QStringLiteral(", ")) : value.toString()).toStdString();
+    return (isSettingList(value) ? value.toStringList().join(QStringLiteral(", ")) : value.toString()).toStdString();
 }
 
 }  // namespace velmora

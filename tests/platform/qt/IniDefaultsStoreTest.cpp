@@ -105,6 +105,29 @@ TEST_F(IniDefaultsStoreTest, ReadsAListThatWasWrittenByHand) {
     EXPECT_TRUE(open()->boolean("performanceMode"));
 }
 
+TEST_F(IniDefaultsStoreTest, KeepsAListThatWasWrittenByHand) {
+    std::filesystem::create_directories(file.parent_path());
+    for (const std::string& separator : {std::string(), std::string(1, '\0'), std::string(", @")}) {
+        writeContent(file, "[General]\nglobalProxyJump=a" + separator + "b, c\n");
+        open()->setBoolean("performanceMode", true);
+        EXPECT_EQ(open()->string("globalProxyJump"), "a" + separator + "b, c");
+    }
+}
+
+TEST_F(IniDefaultsStoreTest, ALineThatCannotBeReadKeepsNothingFromBeingSaved) {
+    std::filesystem::create_directories(file.parent_path());
+    for (const std::string line : {"half a li", "=x", "[General", "\xFF"}) {
+        writeContent(file, "[General]\nglobalProxyJump=a.example\n" + line + "\n[other]\nkept=1\n");
+        open()->setString("syncFolderPath", "/x");
+        const auto store = open();
+        EXPECT_EQ(store->string("syncFolderPath"), "/x") << line;
+        EXPECT_EQ(store->string("globalProxyJump"), "a.example") << line;
+        EXPECT_TRUE(store->boolean("other/kept")) << line;
+        store->remove("syncFolderPath");
+        EXPECT_FALSE(open()->contains("syncFolderPath")) << line;
+    }
+}
+
 TEST_F(IniDefaultsStoreTest, ReadsAFileThatIsNoneAsEmpty) {
     std::filesystem::create_directories(file);
     EXPECT_FALSE(open()->contains("performanceMode"));
