@@ -39,7 +39,7 @@ protected:
 };
 
 TEST_F(ExceptionsEditorViewTest, SaysWhatALineMayBe) {
-    open();
+    open("");
     EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("caption"))->text(),
               QStringLiteral("One host pattern per line. Wildcards allowed (e.g. 10.0.*, *.corp). Saved exceptions are "
                              "added to the PAC ahead of all proxy rules."));
