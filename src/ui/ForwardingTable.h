@@ -43,9 +43,9 @@ Q_SIGNALS:
 private:
     struct Entry {
         Uuid id;
-        QWidget* box;
-        ForwardingRuleRow* row;
-        LinesField* patterns;  ///< null until the rule is Dynamic
+        QWidget* box = nullptr;
+        ForwardingRuleRow* row = nullptr;
+        LinesField* patterns = nullptr;  ///< null until the rule is Dynamic
     };
 
     void refresh();

@@ -5,11 +5,11 @@
 #include "ui/FormLayout.h"
 #include "ui/ForwardingRuleRow.h"
 #include "ui/HostBinding.h"
+#include "ui/IconButton.h"
 #include "ui/IntegerField.h"
 #include "ui/LegendDot.h"
 #include "ui/MenuLabel.h"
 #include "ui/Metrics.h"
-#include "ui/SymbolIcon.h"
 #include "ui/TextField.h"
 #include "ui/WarningLine.h"
 
@@ -17,7 +17,6 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -32,16 +31,6 @@ QString conflictText(const PortConflict& conflict, const std::string& hostName) 
         return GeneralTabView::tr("Port %1 is used by two rules on this host").arg(port);
     }
     return GeneralTabView::tr("Port %1 conflicts with \"%2\"").arg(port, oneLine(conflict.otherHostName));
-}
-
-QToolButton* iconButton(const QString& symbol, const QString& name) {
-    auto* button = new QToolButton;
-    button->setObjectName(symbol);
-    button->setIcon(symbolIcon(symbol));
-    button->setToolTip(name);
-    button->setAccessibleName(name);
-    button->setFocusPolicy(Qt::StrongFocus);
-    return button;
 }
 
 }  // namespace
@@ -124,10 +113,10 @@ void GeneralTabView::addForwarding(QFormLayout& form) {
 }
 
 QWidget* GeneralTabView::ruleButtons() {
-    plus_ = iconButton(QStringLiteral("plus"), tr("Add a forwarding rule"));
-    connect(plus_, &QToolButton::clicked, this, &GeneralTabView::addRule);
-    auto* minus = iconButton(QStringLiteral("minus"), tr("Remove the selected rule"));
-    connect(minus, &QToolButton::clicked, this, &GeneralTabView::removeRule);
+    plus_ = new IconButton(QStringLiteral("plus"), tr("Add a forwarding rule"));
+    connect(plus_, &IconButton::clicked, this, &GeneralTabView::addRule);
+    auto* minus = new IconButton(QStringLiteral("minus"), tr("Remove the selected rule"));
+    connect(minus, &IconButton::clicked, this, &GeneralTabView::removeRule);
     auto* buttons = new QWidget;
     auto* row = new QHBoxLayout(buttons);
     row->setContentsMargins(0, 0, 0, 0);

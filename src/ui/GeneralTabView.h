@@ -7,12 +7,12 @@
 #include <QWidget>
 
 class QFormLayout;
-class QToolButton;
 class QVBoxLayout;
 
 namespace velmora {
 
 class HostBinding;
+class IconButton;
 class TextField;
 class TunnelManager;
 class WarningLine;
@@ -49,7 +49,7 @@ private:
     TextField* hostname_;
     QWidget* beforeTable_ = nullptr;
     ForwardingTable* table_ = nullptr;
-    QToolButton* plus_ = nullptr;
+    IconButton* plus_ = nullptr;
     QWidget* conflicts_ = nullptr;
     std::vector<WarningLine*> conflictLines_;
     QTimer conflictsSoon_;  ///< one look for however many changes a turn of the event loop brings

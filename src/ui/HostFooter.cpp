@@ -3,19 +3,20 @@
 #include "ui/ColorDot.h"
 #include "ui/ElidingLabel.h"
 #include "ui/HostBinding.h"
+#include "ui/IconButton.h"
 #include "ui/MenuLabel.h"
 #include "ui/Metrics.h"
 #include "ui/ProminentButton.h"
 #include "ui/StatusLook.h"
-#include "ui/SymbolIcon.h"
 #include "ui/Tints.h"
 #include "ui/WindowServices.h"
 
 #include <QClipboard>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QToolButton>
+#include <QPushButton>
 
 #include <chrono>
 #include <filesystem>
@@ -25,17 +26,6 @@ namespace velmora {
 namespace {
 
 constexpr std::chrono::seconds uptimeInterval{30};
-
-QToolButton* plainButton(const QString& symbol, const QString& help) {
-    auto* button = new QToolButton;
-    button->setObjectName(symbol);
-    button->setIcon(symbolIcon(symbol));
-    button->setAutoRaise(true);
-    button->setToolTip(help);
-    button->setAccessibleName(help);
-    button->setFocusPolicy(Qt::StrongFocus);
-    return button;
-}
 
 }  // namespace
 
@@ -65,10 +55,13 @@ void HostFooter::addButtons() {
     row->setContentsMargins(metrics::margin, metrics::related, metrics::margin, metrics::related);
     row->setSpacing(metrics::related);
     status_->setObjectName(QStringLiteral("status"));
-    auto* log = plainButton(QStringLiteral("doc-text"), tr("Open log in Console"));
-    connect(log, &QToolButton::clicked, this, &HostFooter::openLog);
-    auto* copy = plainButton(QStringLiteral("clipboard"), tr("Copy SSH command to clipboard"));
-    connect(copy, &QToolButton::clicked, this, &HostFooter::copyCommand);
+    auto* log = new IconButton(QStringLiteral("doc-text"), tr("Open log in Console"));
+    connect(log, &IconButton::clicked, this, &HostFooter::openLog);
+    auto* copy = new IconButton(QStringLiteral("clipboard"), tr("Copy SSH command to clipboard"));
+    connect(copy, &IconButton::clicked, this, &HostFooter::copyCommand);
+    for (IconButton* plain : {log, copy}) {
+        plain->setAutoRaise(true);
+    }
     save_->setObjectName(QStringLiteral("save"));
     save_->setAccessibleName(save_->text());
     save_->setAutoDefault(false);
@@ -95,7 +88,8 @@ void HostFooter::refresh() {
     const auto& id = host_.host().id;
     const ConnectionStatus status = services_.manager.status(id);
     const auto uptime = services_.manager.uptimeString(id);
-    dot_->setColor(statusColor(uptime ? ConnectionStatus::State::connected : status.state));
+    dot_->setColor(
+        statusColor(uptime ? ConnectionStatus::State::connected : status.state, palette().color(QPalette::Window)));
     status_->setWholeText(statusText(status, uptime));
     if (status.isActive()) {
         connect_->setLook(tr("Disconnect"), ProminentButton::Tint::red);
@@ -135,6 +129,13 @@ void HostFooter::showEvent(QShowEvent* event) {
 void HostFooter::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     uptimeTimer_.stop();
+}
+
+void HostFooter::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) {
+        refreshSoon_.start(0);
+    }
+    QWidget::changeEvent(event);
 }
 
 void HostFooter::paintEvent(QPaintEvent* /*event*/) {

@@ -20,7 +20,7 @@ public:
     [[nodiscard]] int currentIndex() const;
     /// Emits nothing.
     void setCurrentIndex(int index);
-    [[nodiscard]] QRadioButton* segment(int index) const { return segments_[static_cast<std::size_t>(index)]; }
+    [[nodiscard]] QRadioButton* segment(int index) { return segments_[static_cast<std::size_t>(index)]; }
 
 Q_SIGNALS:
     /// The user chose another one.

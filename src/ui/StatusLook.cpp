@@ -1,12 +1,11 @@
 #include "ui/StatusLook.h"
 
 #include "ui/MenuLabel.h"
+#include "ui/Tints.h"
 
 #include <QPainter>
 #include <QPixmap>
 
-#include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -24,21 +23,6 @@ constexpr QRgb white = 0xffffffff;
 
 QRgb menuColor(State state) {
     return state == State::disconnected ? white : statusColor(state).rgb();
-}
-
-/// Of a part of the colour, in linear light.
-double linear(float part) {
-    return part <= 0.04045F ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-}
-
-/// What the eye sees of a colour's brightness, from 0 to 1.
-double luminance(const QColor& color) {
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& one, const QColor& other) {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
-    return (lighter + 0.05) / (darker + 0.05);
 }
 
 QPixmap dot(State state, int scale) {
@@ -94,9 +78,9 @@ QColor statusColor(State state, const QColor& background) {
     constexpr double leastContrast = 3;
     constexpr float step = 0.02F;
     QColor color = statusColor(state);
-    const bool lighter = contrast(background, Qt::white) > contrast(background, Qt::black);
+    const bool lighter = tints::contrast(background, Qt::white) > tints::contrast(background, Qt::black);
     float lightness = color.lightnessF();
-    while (contrast(color, background) < leastContrast && lightness > 0 && lightness < 1) {
+    while (tints::contrast(color, background) < leastContrast && lightness > 0 && lightness < 1) {
         lightness = std::clamp(lightness + (lighter ? step : -step), 0.0F, 1.0F);
         color = QColor::fromHslF(color.hslHueF(), color.hslSaturationF(), lightness).toRgb();
     }
