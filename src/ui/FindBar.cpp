@@ -179,10 +179,14 @@ void FindBar::patternChanged() {
 void FindBar::updateMatches() {
     lookSoon_.stop();
     const int revision = editor_.document()->revision();
-    if (matchesRevision_ != revision || matchesPattern_ != field_->text()) {
-        matchesRevision_ = revision;
+    const bool textChanged = textRevision_ != revision;
+    if (textChanged) {
+        textRevision_ = revision;
+        text_ = plainText(*editor_.document());
+    }
+    if (textChanged || matchesPattern_ != field_->text()) {
         matchesPattern_ = field_->text();
-        matches_ = TextMatches(plainText(*editor_.document()), matchesPattern_);
+        matches_ = TextMatches(text_, matchesPattern_);
     }
     showState();
     showMatches();

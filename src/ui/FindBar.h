@@ -60,7 +60,8 @@ private:
     QTimer lookSoon_;  ///< after edits of the text
     TextMatches matches_;
     QString matchesPattern_;
-    int matchesRevision_ = -1;
+    QString text_;
+    int textRevision_ = -1;
     int tintedAt_ = 0;  ///< how far the editor was scrolled then
     bool isOpen_ = false;
 };

@@ -15,7 +15,8 @@ namespace velmora {
 namespace {
 
 constexpr std::chrono::milliseconds pauseInTyping{200};
-constexpr int uncolored = -1;  ///< also the state of a block that is new
+constexpr int longestTyping = 1000;  ///< what is more was pasted or loaded
+constexpr int uncolored = -1;        ///< also the state of a block that is new
 
 }  // namespace
 
@@ -41,8 +42,9 @@ void PacColoring::setColors(const PacColors& colors) {
     recolor();
 }
 
-void PacColoring::followChange() {
-    if (document_.characterCount() > longScript) {
+void PacColoring::followChange(int /*position*/, int removed, int added) {
+    const bool isTyping = removed + added < longestTyping;
+    if (document_.characterCount() > (isTyping ? longToType : longToLoad)) {
         recolorSoon_.start();
     } else {
         recolor();

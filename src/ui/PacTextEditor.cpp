@@ -115,13 +115,22 @@ void PacTextEditor::changeEvent(QEvent* event) {
 }
 
 bool PacTextEditor::focusNextPrevChild(bool next) {
-    return next ? QPlainTextEdit::focusNextPrevChild(true) : QAbstractScrollArea::focusNextPrevChild(false);
+    return next ? QPlainTextEdit::focusNextPrevChild(true) : moveFocus(next);
+}
+
+/// To the next control or the one before, also where Tab writes a tab.
+bool PacTextEditor::moveFocus(bool next) {
+    const bool tabMoves = tabChangesFocus();
+    setTabChangesFocus(true);
+    const bool moved = QPlainTextEdit::focusNextPrevChild(next);
+    setTabChangesFocus(tabMoves);
+    return moved;
 }
 
 void PacTextEditor::keyPressEvent(QKeyEvent* event) {
     const bool withControl = (event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier)) != 0;
     if (withControl && (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab)) {
-        QAbstractScrollArea::focusNextPrevChild(event->key() == Qt::Key_Tab);
+        moveFocus(event->key() == Qt::Key_Tab);
         return;
     }
     if (event->modifiers() == Qt::ShiftModifier && event->key() == Qt::Key_Return) {

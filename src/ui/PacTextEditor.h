@@ -48,6 +48,7 @@ protected:
 private:
     using LineVisitor = std::function<void(const QTextBlock& block, const QTextLine& line, const QPointF& blockTop)>;
 
+    bool moveFocus(bool next);
     void noteChange();
     void replaceMiddle(const QString& text);
     void forEachVisibleLine(const LineVisitor& visit) const;

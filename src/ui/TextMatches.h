@@ -13,7 +13,7 @@ namespace velmora {
 class TextMatches final {
 public:
     /// As many are counted; a text with more has its matches found one by one.
-    static constexpr int mostCounted = 100'000;
+    static constexpr int mostCounted = 20'000;
 
     TextMatches() = default;
     TextMatches(QString text, const QString& pattern);

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QScrollBar>
@@ -13,6 +12,8 @@
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
+
+#include <ctime>
 
 namespace velmora {
 namespace {
@@ -174,11 +175,21 @@ TEST_F(PacTextEditorTest, VeryLongLinesStayPlain) {
     EXPECT_EQ(colorOf("else"), color(Kind::keyword));
 }
 
-TEST_F(PacTextEditorTest, AVeryLongScriptIsColouredWhenTheTypingPauses) {
-    QString script = QStringLiteral("if (x) return 1;\n").repeated(PacColoring::longScript / 17 + 1);
-    editor.setText(script);
-    EXPECT_FALSE(colorAt(0).isValid());
-    EXPECT_TRUE(QTest::qWaitFor([this] { return colorAt(0).isValid(); }));
+TEST_F(PacTextEditorTest, AVeryLongScriptGetsItsNewColoursWhenTheTypingPauses) {
+    editor.setText(QStringLiteral("if (x) return 1;\n").repeated(PacColoring::longToType / 17 + 1));
+    EXPECT_EQ(colorAt(0), color(Kind::keyword));
+    QTest::keyClicks(&editor, QStringLiteral("x"));
+    EXPECT_EQ(colorAt(0), color(Kind::keyword));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !colorAt(0).isValid(); }));
+    EXPECT_EQ(colorOf("return"), color(Kind::keyword));
+}
+
+TEST_F(PacTextEditorTest, AnEnormousScriptStaysPlain) {
+    const QString line = QStringLiteral("if") + QString(PacColoring::longestLine / 2, u' ') + u'\n';
+    editor.setText(line);
+    EXPECT_EQ(colorAt(0), color(Kind::keyword));
+    editor.setText(line.repeated(PacColoring::longestScript / line.size() + 1));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !colorAt(0).isValid(); }));
 }
 
 // ---- the text ----
@@ -344,11 +355,10 @@ TEST_F(PacTextEditorTest, TakesLargeTextsWithoutHanging) {
         script += QStringLiteral("    if (shExpMatch(host, \"*.corp.example\")) return \"SOCKS5 127.0.0.1:1080\";\n");
     }
     QGuiApplication::clipboard()->setText(script);
-    QElapsedTimer clock;
-    clock.start();
+    const std::clock_t before = std::clock();
     editor.paste();
     QApplication::processEvents();
-    EXPECT_LT(clock.elapsed(), 4000);  // of a build for debugging on a busy machine
+    EXPECT_LT(std::clock() - before, 3 * CLOCKS_PER_SEC);  // in a build for debugging
     EXPECT_EQ(editor.text().size(), script.size());
 }
 
