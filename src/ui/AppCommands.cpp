@@ -10,14 +10,14 @@ AppCommands::AppCommands(HostListAccess hosts, Dialogs& dialogs, std::function<v
 }
 
 void AppCommands::importVelmoraFile() {
-    if (auto result = velmora::importVelmoraFile(dialogs_, hosts_)) {
-        importResult_.set(std::move(result));
+    if (const auto result = velmora::importVelmoraFile(dialogs_, hosts_)) {
+        importResult_.set(result);
     }
 }
 
 void AppCommands::importCoreTunnelFile() {
-    if (auto result = velmora::importCoreTunnelFile(dialogs_, hosts_)) {
-        importResult_.set(std::move(result));
+    if (const auto result = velmora::importCoreTunnelFile(dialogs_, hosts_)) {
+        importResult_.set(result);
     }
 }
 

@@ -34,6 +34,13 @@ ExceptionsEditorView::ExceptionsEditorView(WindowServices& services)
         setDirty(true);
         showCount();
     });
+    // What is added elsewhere meanwhile must not be lost with the next Save.
+    changedElsewhere_ = services_.manager.proxyExceptions().observe([this] {
+        if (!dirty_) {
+            content_->setText(QString::fromStdString(services_.manager.proxyExceptions().get()));
+            showCount();
+        }
+    });
     showCount();
     quickAdd_->setFocus();
     restorePlace({560, 560});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Observable.h"
 #include "ui/ManagedWindow.h"
 
 class QLabel;
@@ -36,6 +37,7 @@ private:
     QLabel* count_;
     QPushButton* save_;
     bool dirty_ = false;
+    Subscription changedElsewhere_;
 };
 
 }  // namespace velmora

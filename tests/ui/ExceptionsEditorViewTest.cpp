@@ -38,6 +38,17 @@ protected:
     QPointer<ExceptionsEditorView> window;
 };
 
+TEST_F(ExceptionsEditorViewTest, ShowsWhatIsAddedElsewhereUnlessThereAreEdits) {
+    open("a.example");
+    stand.manager.addProxyException("b.example");
+    EXPECT_EQ(text().toPlainText(), QStringLiteral("a.example\nb.example"));
+    EXPECT_FALSE(window->isDirty());
+    quickAdd().setText(QStringLiteral("c.example"));
+    QTest::keyClick(&quickAdd(), Qt::Key_Return);
+    stand.manager.addProxyException("d.example");
+    EXPECT_EQ(text().toPlainText(), QStringLiteral("a.example\nb.example\nc.example"));
+}
+
 TEST_F(ExceptionsEditorViewTest, SaysWhatALineMayBe) {
     open("");
     EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("caption"))->text(),
