@@ -1,7 +1,11 @@
 #include "ui/ManagedWindow.h"
 
+#include <QApplication>
 #include <QByteArray>
 #include <QCloseEvent>
+#include <QScreen>
+
+#include <algorithm>
 
 namespace velmora {
 
@@ -15,9 +19,16 @@ ManagedWindow::ManagedWindow(std::string_view id, const QString& title, Defaults
 
 void ManagedWindow::restorePlace(const QSize& firstSize) {
     const QByteArray place = remembered("frame");
-    if (place.isEmpty() || !restoreGeometry(place)) {
-        resize(firstSize);
+    if (!place.isEmpty() && restoreGeometry(place)) {
+        return;
     }
+    const QWidget* active = QApplication::activeWindow();
+    const QRect room = (active != nullptr ? active->screen() : screen())->availableGeometry();
+    QRect frame({}, firstSize.boundedTo(room.size()));
+    frame.moveCenter(active != nullptr ? active->geometry().center() : room.center());
+    frame.moveLeft(std::clamp(frame.left(), room.left(), room.right() + 1 - frame.width()));
+    frame.moveTop(std::clamp(frame.top(), room.top(), room.bottom() + 1 - frame.height()));
+    setGeometry(frame);
 }
 
 void ManagedWindow::remember(std::string_view what, const QByteArray& state) {

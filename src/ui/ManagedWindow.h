@@ -18,7 +18,8 @@ public:
     /// The name is that of the window, as in `windows`.
     ManagedWindow(std::string_view id, const QString& title, DefaultsStore& defaults);
 
-    /// Gives it the place and the size of last time, or this size when there was none.
+    /// Gives it the place and the size of last time; when there was none, this size, in front of the window that the
+    /// user works in, or in the middle of the screen.
     void restorePlace(const QSize& firstSize);
 
 protected:
