@@ -4,7 +4,7 @@
 #include "ui/WindowStand.h"
 
 #include <QApplication>
-#include <QTest>
+#include <QKeyEvent>
 
 #include <benchmark/benchmark.h>
 
@@ -41,15 +41,18 @@ void keystrokeIn(benchmark::State& state, const char* field, std::size_t rules) 
     view.resize(640, 720);
     view.show();
     QApplication::setActiveWindow(&view);
-    if (!QTest::qWaitForWindowActive(&view)) {
+    QApplication::processEvents();
+    auto* edited = view.findChild<QWidget*>(QString::fromUtf8(field));
+    edited->setFocus();
+    if (!edited->hasFocus()) {
         state.SkipWithError("no window");
         return;
     }
-    auto* edited = view.findChild<QWidget*>(QString::fromUtf8(field));
-    edited->setFocus();
     bool back = false;
     for (auto _ : state) {
-        QTest::keyClick(edited, back ? Qt::Key_Backspace : Qt::Key_1);
+        QKeyEvent press(QEvent::KeyPress, back ? Qt::Key_Backspace : Qt::Key_1, Qt::NoModifier,
+                        back ? QString() : QStringLiteral("1"));
+        QApplication::sendEvent(edited, &press);
         QApplication::processEvents();
         back = !back;
     }
