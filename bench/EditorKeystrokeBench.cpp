@@ -48,6 +48,8 @@ void keystrokeIn(benchmark::State& state, const char* field, std::size_t rules) 
         state.SkipWithError("no window");
         return;
     }
+    QKeyEvent end(QEvent::KeyPress, Qt::Key_End, Qt::NoModifier);
+    QApplication::sendEvent(edited, &end);
     bool back = false;
     for (auto _ : state) {
         QKeyEvent press(QEvent::KeyPress, back ? Qt::Key_Backspace : Qt::Key_1, Qt::NoModifier,
@@ -62,7 +64,7 @@ void keystrokeInName(benchmark::State& state) {
     keystrokeIn(state, "name", 1);
 }
 void keystrokeInPort(benchmark::State& state) {
-    keystrokeIn(state, "bindPort", 1);
+    keystrokeIn(state, "port", 1);
 }
 void keystrokeInPatterns(benchmark::State& state) {
     keystrokeIn(state, "pacPatterns", 1);
