@@ -186,7 +186,7 @@ class Screen:
         window = self.active()
         for node in window.walk() if window else ():
             with contextlib.suppress(Gone):
-                if node.has(FOCUSED):
+                if node.has(FOCUSED) and node.role != "panel":  # a row of buttons says so of the first of them
                     return node
         return None
 
