@@ -82,6 +82,10 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
         segment->setAccessibleName(choice);
         segment->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
         segment->setAttribute(Qt::WA_Hover);
+        // Qt itself sees to this no sooner than one of them has had the focus.
+        segment->setFocusPolicy(Qt::ClickFocus);
+        connect(segment, &QRadioButton::toggled, segment,
+                [segment](bool checked) { segment->setFocusPolicy(checked ? Qt::StrongFocus : Qt::ClickFocus); });
         row->addWidget(segment, 1);
         const int index = static_cast<int>(segments_.size());
         connect(segment, &QRadioButton::clicked, this, [this, index] { Q_EMIT chosen(index); });

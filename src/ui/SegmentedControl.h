@@ -9,7 +9,8 @@ class QRadioButton;
 
 namespace velmora {
 
-/// One of a few choices, side by side in a row. One stop for the tab key; the arrows move between the choices.
+/// One of a few choices, side by side in a row. The current one is a stop for the tab
+/// key; the arrows move between the choices.
 class SegmentedControl final : public QWidget {
     Q_OBJECT
 

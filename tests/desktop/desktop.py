@@ -95,8 +95,9 @@ class Desktop:
         # A number of our own: servers that look for a free one and leave at the same time trip over each other.
         display = ":" + str(100 + os.getpid() % 50000)
         reading, writing = os.pipe()
+        # Without "-r" a key that a busy machine holds down for long would count again and again.
         self.start("Xvfb", display, "-displayfd", str(writing), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
-                   "-noreset", pass_fds=[writing], stderr=subprocess.DEVNULL)
+                   "-noreset", "-r", pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as numbers:
             self.environment["DISPLAY"] = ":" + numbers.readline().strip()
@@ -106,11 +107,22 @@ class Desktop:
         return Gio.DBusConnection.new_for_address_sync(
             self.bus_address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION, None, None)
 
+    @property
+    def hosts_path(self):
+        return os.path.join(self.home, ".local/share/Velmora/hosts.json")
+
     def write_hosts(self, hosts):
-        directory = os.path.join(self.home, ".local/share/Velmora")
-        os.makedirs(directory, 0o700, exist_ok=True)
-        with open(os.path.join(directory, "hosts.json"), "w", encoding="utf-8") as file:
+        os.makedirs(os.path.dirname(self.hosts_path), 0o700, exist_ok=True)
+        with open(self.hosts_path, "w", encoding="utf-8") as file:
             json.dump(hosts, file)
+
+    def saved_hosts(self):
+        """What the program has saved; nothing until it has."""
+        try:
+            with open(self.hosts_path, encoding="utf-8") as file:
+                return json.load(file)
+        except FileNotFoundError:
+            return []
 
     def start_program(self):
         return self.start(PROGRAM)

@@ -60,6 +60,18 @@ TEST_F(SegmentedControlTest, IsOneStopForTheTabKeyAndTheArrowsMoveWithin) {
     EXPECT_EQ(QApplication::focusWidget(), control->segment(1));
 }
 
+TEST_F(SegmentedControlTest, TheTabKeyLeadsToTheCurrentChoiceFromBothSides) {
+    after->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget(), control->segment(0));
+    control->setCurrentIndex(1);
+    before->setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), control->segment(1));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), after);
+}
+
 TEST_F(SegmentedControlTest, IsARowOfRadioButtonsToAssistivePrograms) {
     EXPECT_EQ(control->accessibleName(), QStringLiteral("Tabs"));
     const auto* segment = QAccessible::queryAccessibleInterface(control->segment(1));
