@@ -3,6 +3,7 @@
 #include "ui/ApplicationIcon.h"
 #include "ui/Changelog.h"
 #include "ui/Metrics.h"
+#include "ui/Tints.h"
 #include "ui/WindowServices.h"
 
 #include <QApplication>
@@ -139,7 +140,7 @@ void AboutView::adopt() {
     colors.setColor(QPalette::Base, colors.color(QPalette::Window));
     colors.setColor(QPalette::Text, colors.color(QPalette::WindowText));
     changes_->setPalette(colors);
-    writeChangelog(*changes_->document(), colors.color(QPalette::PlaceholderText));
+    writeChangelog(*changes_->document(), tints::caption(colors));
     changes_->moveCursor(QTextCursor::Start);
     adopting_ = false;
 }

@@ -1,6 +1,7 @@
 #include "ui/CaptionLabel.h"
 
 #include "ui/Metrics.h"
+#include "ui/Tints.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -28,7 +29,7 @@ void CaptionLabel::adopt() {
     adopting_ = true;
     setFont(metrics::scaled(QApplication::font(), metrics::captionScale));
     QPalette colors = QApplication::palette();
-    colors.setColor(QPalette::WindowText, colors.color(QPalette::PlaceholderText));
+    colors.setColor(QPalette::WindowText, tints::caption(colors));
     setPalette(colors);
     adopting_ = false;
 }

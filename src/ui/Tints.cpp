@@ -8,6 +8,7 @@ namespace velmora::tints {
 namespace {
 
 constexpr double readable = 4.5;
+constexpr int mostSteps = 20;  // where the palette's own text is not readable, either
 constexpr QRgb warningOnLight = 0xffa84a06;
 constexpr QRgb warningOnDark = 0xffffa63d;
 
@@ -42,6 +43,17 @@ QColor underWhiteText(QColor fill) {
         fill = mix(fill, Qt::black, 0.04F);
     }
     return fill;
+}
+
+QColor caption(const QPalette& palette) {
+    const QColor window = palette.color(QPalette::Window);
+    const QColor ink = palette.color(QPalette::WindowText);
+    QColor color = palette.color(QPalette::PlaceholderText);
+    color = mix(window, QColor(color.rgb()), color.alphaF());  // it may shine through
+    for (int step = 0; step < mostSteps && contrast(color, window) < readable; ++step) {
+        color = mix(color, ink, 0.1F);
+    }
+    return color;
 }
 
 QColor warning(const QPalette& palette) {

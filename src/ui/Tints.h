@@ -17,6 +17,10 @@ namespace velmora::tints {
 /// The colour, as dark as it must be for white text of any size to be read on it.
 [[nodiscard]] QColor underWhiteText(QColor fill);
 
+/// The faded colour that the palette has for placeholders, as strong as it must be for small text on a window to be
+/// read.
+[[nodiscard]] QColor caption(const QPalette& palette);
+
 /// Orange text that is read on a window of this palette.
 [[nodiscard]] QColor warning(const QPalette& palette);
 

@@ -29,6 +29,23 @@ TEST(Tints, WhiteTextIsReadOnAnyAccent) {
     EXPECT_EQ(tints::underWhiteText(Qt::black), QColor(Qt::black));
 }
 
+TEST(Tints, ACaptionIsReadOnLightAndOnDark) {
+    QPalette shining = paletteOf(0xffefefef, 0xff000000);
+    shining.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+    QPalette pale = paletteOf(0xff2d2d2d, 0xffffffff);
+    pale.setColor(QPalette::PlaceholderText, QColor(0xff606060U));
+    QPalette strong = paletteOf(0xffefefef, 0xff000000);
+    strong.setColor(QPalette::PlaceholderText, QColor(0xff404040U));
+    for (const QPalette& palette : {shining, pale, strong}) {
+        EXPECT_GE(tints::contrast(tints::caption(palette), palette.color(QPalette::Window)), 4.5);
+    }
+    EXPECT_EQ(tints::caption(strong), QColor(0xff404040U)) << "stays as it is where it can be read";
+    EXPECT_LT(tints::contrast(tints::caption(shining), QColor(0xffefefefU)), 7)
+        << "and faded where it must be stronger";
+    const QPalette unreadable = paletteOf(0xff808080, 0xff808080);
+    EXPECT_LT(tints::contrast(tints::caption(unreadable), QColor(0xff808080U)), 4.5) << "comes to an end all the same";
+}
+
 TEST(Tints, AWarningIsReadOnLightAndOnDark) {
     for (const QPalette& palette : {paletteOf(0xffefefef, 0xff000000), paletteOf(0xff2d2d2d, 0xffffffff)}) {
         EXPECT_GE(tints::contrast(tints::warning(palette), palette.color(QPalette::Window)), 4.5);
