@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace velmora::forms {
 
 namespace {
@@ -40,6 +42,7 @@ QFormLayout* fill(QWidget& widget) {
     form->setHorizontalSpacing(metrics::group);
     form->setVerticalSpacing(metrics::group);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);  // also where the platform would keep them short
+    form->setLabelAlignment((form->labelAlignment() & Qt::AlignHorizontal_Mask) | Qt::AlignTop);
     form->setFormAlignment(Qt::AlignLeft | Qt::AlignTop);
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     return form;
@@ -62,7 +65,8 @@ QWidget* captioned(QWidget* control, const QString& caption) {
 void addRow(QFormLayout& form, const QString& label, QWidget* control, QWidget* field) {
     auto* words = new QLabel(label);
     words->setBuddy(control);
-    words->setMaximumHeight(control->sizeHint().height());  // so that they stand on one line in a tall row, too
+    // Beside the first line of a tall control.
+    words->setMaximumHeight(std::min(control->sizeHint().height(), words->sizeHint().height() + 2 * metrics::caption));
     if (control->accessibleName().isEmpty()) {
         control->setAccessibleName(label);
     }

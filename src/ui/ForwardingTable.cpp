@@ -35,7 +35,7 @@ ForwardingTable::ForwardingTable(TunnelManager& manager, HostBinding& host, Sele
     column_->setSpacing(0);
     noRules_->setObjectName(QStringLiteral("noRules"));
     noRules_->setWordWrap(true);
-    noRules_->setContentsMargins(0, padding, 0, padding);
+    noRules_->setContentsMargins(0, 2 * padding, 0, padding);  // level with the text of a row
     noRules_->setForegroundRole(QPalette::PlaceholderText);
     column_->addWidget(noRules_);
 

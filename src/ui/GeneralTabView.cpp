@@ -109,6 +109,8 @@ void GeneralTabView::addForwarding(QFormLayout& form) {
     column->addWidget(conflicts_);
     column->addWidget(legendRow());
     forms::addRow(form, tr("Forwarding"), table_, whole);
+    form.labelForField(whole)->setContentsMargins(0, 2 * metrics::caption, 0,
+                                                  0);  // level with the first row, which has an edge
     connect(table_, &ForwardingTable::controlsChanged, this, &GeneralTabView::orderTabs);
 }
 
