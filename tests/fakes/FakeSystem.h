@@ -8,6 +8,8 @@
 #include "fakes/VirtualScheduler.h"
 #include "manager/TunnelManager.h"
 
+#include <cstdint>
+
 namespace velmora {
 
 /// A whole system for a manager to live on: a home of its own, time that stands still, processes that are only noted.
@@ -20,6 +22,7 @@ struct FakeSystem {
     RecordingCredentialStore credentials;
     InMemoryDefaultsStore defaults;
     Environment environment{{"SSH_AUTH_SOCK", "/agent"}};
+    std::uint16_t pacPort = 0;  ///< any free one
 
     [[nodiscard]] Platform platform() {
         return {.paths = {.home = home.path(),
@@ -34,7 +37,7 @@ struct FakeSystem {
                 .credentials = credentials,
                 .defaults = defaults,
                 .environment = environment,
-                .pacPort = 0};
+                .pacPort = pacPort};
     }
 };
 

@@ -10,6 +10,10 @@ namespace velmora {
 
 /// A real manager on a system of the test's own.
 struct ManagerStand : FakeSystem {
+    ManagerStand() = default;
+    /// Serves the proxy script on this port.
+    explicit ManagerStand(std::uint16_t port) : FakeSystem{.pacPort = port} {}
+
     static SSHHost hostNamed(const std::string& name) {
         SSHHost host;
         host.name = name;

@@ -29,6 +29,8 @@ public:
 
 /// All that a window needs, around a real manager and a real updater.
 struct WindowStand : ManagerStand {
+    using ManagerStand::ManagerStand;
+
     InlineWorker worker;
     test::FakeHttpClient http;
     test::FakeBundleTools bundles;
