@@ -16,6 +16,7 @@
 #include "platform/qt/QtWorkspace.h"
 #include "platform/qt/SingleInstance.h"
 #include "ui/ApplicationIcon.h"
+#include "ui/ApplicationStyle.h"
 #include "ui/SystemDialogs.h"
 #include "ui/VelmoraApp.h"
 #include "update/CodeRequirement.h"
@@ -48,6 +49,7 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
 
     raiseFileLimit();
     introduce();
+    QApplication::setStyle(new ApplicationStyle);  // the application deletes it
     const QApplication application(argc, argv);
     QApplication::setWindowIcon(applicationIcon());
 

@@ -1,0 +1,18 @@
+#include "ui/ApplicationStyle.h"
+
+#include "ui/SymbolIcon.h"
+
+namespace velmora {
+
+QIcon ApplicationStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
+    switch (icon) {
+        case SP_ToolBarHorizontalExtensionButton:  // a menu bar asks for it when it is made, however wide it is
+            return symbolIcon(QStringLiteral("chevrons-right"));
+        case SP_LineEditClearButton:
+            return symbolIcon(QStringLiteral("xmark"));
+        default:
+            return QProxyStyle::standardIcon(icon, option, widget);
+    }
+}
+
+}  // namespace velmora

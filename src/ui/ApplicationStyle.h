@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QProxyStyle>
+
+namespace velmora {
+
+/// The style of the platform, with the product's own symbols where the toolkit would draw pictures of its own: they
+/// take the colours of the palette, and no plugin for pictures is loaded for them (a tenth of the start with a window).
+class ApplicationStyle final : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    [[nodiscard]] QIcon standardIcon(StandardPixmap icon, const QStyleOption* option = nullptr,
+                                     const QWidget* widget = nullptr) const override;
+};
+
+}  // namespace velmora

@@ -1,0 +1,39 @@
+#include "ui/ApplicationStyle.h"
+
+#include <QGuiApplication>
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+namespace velmora {
+namespace {
+
+QColor strongest(const QIcon& icon) {
+    const QImage picture = icon.pixmap(32).toImage();
+    QColor found(Qt::transparent);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QColor here = picture.pixelColor(x, y);
+            found = here.alpha() > found.alpha() ? here : found;
+        }
+    }
+    return found;
+}
+
+TEST(ApplicationStyleTest, DrawsItsOwnSymbolsInTheColoursOfThePalette) {
+    const ApplicationStyle style;
+    for (const auto symbol : {QStyle::SP_ToolBarHorizontalExtensionButton, QStyle::SP_LineEditClearButton}) {
+        const QColor colour = strongest(style.standardIcon(symbol));
+        EXPECT_EQ(colour.alpha(), 255) << symbol;
+        EXPECT_EQ(colour.rgb(), QGuiApplication::palette().color(QPalette::ButtonText).rgb()) << symbol;
+    }
+}
+
+TEST(ApplicationStyleTest, LeavesOtherSymbolsToThePlatform) {
+    const ApplicationStyle style;
+    EXPECT_EQ(style.standardIcon(QStyle::SP_DirIcon).pixmap(16).toImage(),
+              style.baseStyle()->standardIcon(QStyle::SP_DirIcon).pixmap(16).toImage());
+}
+
+}  // namespace
+}  // namespace velmora
