@@ -8,14 +8,14 @@
 namespace velmora {
 namespace {
 
-/// What users copy out of the README has to work.
-TEST(ReadmeExample, IsAHostsFileThatNamesEveryKey) {
-    const std::string readme = contentOf(VELMORA_README);
+/// What users copy out of the documentation has to work.
+TEST(DocumentedExample, IsAHostsFileThatNamesEveryKey) {
+    const std::string page = contentOf(VELMORA_HOSTS_FILE_PAGE);
     const std::string opening = "```json\n";
-    const auto start = readme.find(opening);
+    const auto start = page.find(opening);
     ASSERT_NE(start, std::string::npos);
     const std::string example =
-        readme.substr(start + opening.size(), readme.find("```", start + 3) - start - opening.size());
+        page.substr(start + opening.size(), page.find("```", start + 3) - start - opening.size());
 
     const auto hosts = decodeHosts(example);
     ASSERT_TRUE(hosts) << hosts.error().message;
