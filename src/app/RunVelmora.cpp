@@ -49,8 +49,8 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
 
     raiseFileLimit();
     introduce();
-    QApplication::setStyle(new ApplicationStyle);  // the application deletes it
     const QApplication application(argc, argv);
+    QApplication::setStyle(new ApplicationStyle(application));  // the application deletes it
     QApplication::setWindowIcon(applicationIcon());
 
     QtScheduler scheduler;

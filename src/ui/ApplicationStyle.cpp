@@ -4,6 +4,8 @@
 
 namespace velmora {
 
+ApplicationStyle::ApplicationStyle(const QApplication& /*application*/) {}
+
 QIcon ApplicationStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
     switch (icon) {
         case SP_ToolBarHorizontalExtensionButton:  // a menu bar asks for it when it is made, however wide it is

@@ -2,6 +2,8 @@
 
 #include <QProxyStyle>
 
+class QApplication;
+
 namespace velmora {
 
 /// The style of the platform, with the product's own symbols where the toolkit would draw pictures of its own: they
@@ -10,6 +12,9 @@ class ApplicationStyle final : public QProxyStyle {
     Q_OBJECT
 
 public:
+    /// Before there is an application nobody knows what the style of the platform is.
+    explicit ApplicationStyle(const QApplication& application);
+
     [[nodiscard]] QIcon standardIcon(StandardPixmap icon, const QStyleOption* option = nullptr,
                                      const QWidget* widget = nullptr) const override;
 };

@@ -1,6 +1,6 @@
 #include "ui/ApplicationStyle.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QImage>
 
 #include <gtest/gtest.h>
@@ -21,18 +21,23 @@ QColor strongest(const QIcon& icon) {
 }
 
 TEST(ApplicationStyleTest, DrawsItsOwnSymbolsInTheColoursOfThePalette) {
-    const ApplicationStyle style;
+    const ApplicationStyle style(*qApp);
     for (const auto symbol : {QStyle::SP_ToolBarHorizontalExtensionButton, QStyle::SP_LineEditClearButton}) {
         const QColor colour = strongest(style.standardIcon(symbol));
         EXPECT_EQ(colour.alpha(), 255) << symbol;
-        EXPECT_EQ(colour.rgb(), QGuiApplication::palette().color(QPalette::ButtonText).rgb()) << symbol;
+        EXPECT_EQ(colour.rgb(), QApplication::palette().color(QPalette::ButtonText).rgb()) << symbol;
     }
 }
 
 TEST(ApplicationStyleTest, LeavesOtherSymbolsToThePlatform) {
-    const ApplicationStyle style;
+    const ApplicationStyle style(*qApp);
     EXPECT_EQ(style.standardIcon(QStyle::SP_DirIcon).pixmap(16).toImage(),
               style.baseStyle()->standardIcon(QStyle::SP_DirIcon).pixmap(16).toImage());
+}
+
+TEST(ApplicationStyleTest, IsThePlatformsOtherwise) {
+    const ApplicationStyle style(*qApp);
+    EXPECT_EQ(style.baseStyle()->name(), QApplication::style()->name());
 }
 
 }  // namespace
