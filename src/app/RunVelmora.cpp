@@ -18,11 +18,13 @@
 #include "ui/ApplicationIcon.h"
 #include "ui/ApplicationStyle.h"
 #include "ui/SystemDialogs.h"
+#include "ui/Translations.h"
 #include "ui/VelmoraApp.h"
 #include "update/CodeRequirement.h"
 #include "update/Updater.h"
 
 #include <QApplication>
+#include <QLocale>
 
 namespace velmora {
 
@@ -49,8 +51,9 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
 
     raiseFileLimit();
     introduce();
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
     QApplication::setStyle(new ApplicationStyle(application));  // the application deletes it
+    installTranslations(application, QLocale().uiLanguages());
     QApplication::setWindowIcon(applicationIcon());
 
     QtScheduler scheduler;

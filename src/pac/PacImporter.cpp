@@ -1,6 +1,7 @@
 #include "pac/PacImporter.h"
 
 #include "base/AtomicFile.h"
+#include "base/Localized.h"
 #include "base/Regex.h"
 #include "base/Text.h"
 
@@ -193,16 +194,22 @@ std::size_t addPatterns(const std::vector<Entry>& entries, std::vector<SSHHost>&
 
 Outcome outcome(const std::vector<Entry>& entries, std::size_t additions) {
     if (entries.empty()) {
-        return {"Nothing found", "No shExpMatch patterns with SOCKS5 proxies were found in the selected file."};
+        return {localized("velmora::PacImporter", "Nothing found"),
+                localized("velmora::PacImporter",
+                          "No shExpMatch patterns with SOCKS5 proxies were found in the selected file.")};
     }
-    const auto count = std::to_string(additions);
     if (additions == 0) {
-        return {"No matching tunnels", "Found " + std::to_string(entries.size()) +
-                                           " patterns for ports: " + portList(entries) +
-                                           "\n\nNone matched a Dynamic forwarding rule in Velmora."};
+        return {
+            localized("velmora::PacImporter", "No matching tunnels"),
+            filled(localized("velmora::PacImporter",
+                             "Found %1 patterns for ports: %2\n\nNone matched a Dynamic forwarding rule in Velmora."),
+                   {std::to_string(entries.size()), portList(entries)})};
     }
-    return {"Import complete",
-            "Added " + count + " pattern" + (additions == 1 ? "" : "s") + " to matching Dynamic forwarding rules."};
+    const auto count = static_cast<int>(additions);
+    return {localized("velmora::PacImporter", "Import complete"),
+            additions == 1 ? localized("velmora::PacImporter", "Added 1 pattern to matching Dynamic forwarding rules.")
+                           : localizedCount("velmora::PacImporter",
+                                            "Added %n patterns to matching Dynamic forwarding rules.", nullptr, count)};
 }
 
 }  // namespace velmora::PacImporter

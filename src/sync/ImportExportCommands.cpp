@@ -1,6 +1,7 @@
 #include "sync/ImportExportCommands.h"
 
 #include "base/AtomicFile.h"
+#include "base/Localized.h"
 #include "model/HostJson.h"
 #include "sync/Backup.h"
 #include "sync/CoreTunnelImporter.h"
@@ -31,13 +32,15 @@ void exportTunnels(FilePanels& panels, const HostListAccess& list) {
     if (!json) {
         return;  // silent
     }
-    if (const auto file = panels.chooseFileToSave("Export Velmora Hosts", backupFileName)) {
+    if (const auto file =
+            panels.chooseFileToSave(localized("velmora::FilePanels", "Export Velmora Hosts"), backupFileName)) {
         std::ignore = writeFileAtomically(*file, *json);  // silent
     }
 }
 
 std::optional<ImportResult> importVelmoraFile(FilePanels& panels, const HostListAccess& list) {
-    const auto file = panels.chooseFileToOpen("Select Velmora Backup", "Choose a velmora-backup.json file");
+    const auto file = panels.chooseFileToOpen(localized("velmora::FilePanels", "Select Velmora Backup"),
+                                              localized("velmora::FilePanels", "Choose a velmora-backup.json file"));
     auto candidates = file ? readBackup(*file) : std::nullopt;
     if (!candidates) {
         return std::nullopt;  // silent: not a backup
@@ -52,7 +55,8 @@ std::optional<ImportResult> importVelmoraFile(FilePanels& panels, const HostList
 }
 
 std::optional<ImportResult> importCoreTunnelFile(FilePanels& panels, const HostListAccess& list) {
-    const auto file = panels.chooseFileToOpen("Select Core Tunnel Backup", "Choose a .coretunnel backup file");
+    const auto file = panels.chooseFileToOpen(localized("velmora::FilePanels", "Select Core Tunnel Backup"),
+                                              localized("velmora::FilePanels", "Choose a .coretunnel backup file"));
     return file ? std::optional(importFromCoreTunnel(*file, list)) : std::nullopt;
 }
 

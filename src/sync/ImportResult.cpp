@@ -1,21 +1,30 @@
 #include "sync/ImportResult.h"
 
-#include <string_view>
+#include "base/Localized.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace velmora {
 
 namespace {
 
-std::string counted(std::int64_t count, std::string_view noun) {
-    return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+/// For the plural forms of a language, which ask for no more.
+int atMostInt(std::int64_t count) {
+    return static_cast<int>(std::min<std::int64_t>(count, std::numeric_limits<int>::max()));
 }
 
 }  // namespace
 
 std::string importAlertMessage(const ImportResult& result) {
-    auto message = "Imported " + counted(result.imported, "tunnel") + ".";
+    auto message = result.imported == 1 ? localized("velmora::ImportResult", "Imported 1 tunnel.")
+                                        : localizedCount("velmora::ImportResult", "Imported %n tunnels.", nullptr,
+                                                         atMostInt(result.imported));
     if (result.skipped >= 1) {
-        message += " Skipped " + counted(result.skipped, "duplicate") + ".";
+        message += " ";
+        message += result.skipped == 1 ? localized("velmora::ImportResult", "Skipped 1 duplicate.")
+                                       : localizedCount("velmora::ImportResult", "Skipped %n duplicates.", nullptr,
+                                                        atMostInt(result.skipped));
     }
     return message;
 }

@@ -16,11 +16,7 @@ struct ImportResult {
     bool operator==(const ImportResult&) const = default;
 };
 
-// The alert that tells the user.
-inline constexpr auto importAlertTitle = "Import Complete";
-inline constexpr auto importAlertButton = "OK";
-
-/// Such as "Imported 3 tunnels. Skipped 1 duplicate."
+/// What the user is told, such as "Imported 3 tunnels. Skipped 1 duplicate."
 [[nodiscard]] std::string importAlertMessage(const ImportResult& result);
 
 }  // namespace velmora

@@ -1,5 +1,6 @@
 #include "tunnel/HostLog.h"
 
+#include "base/Localized.h"
 #include "base/Text.h"
 #include "base/UniqueFd.h"
 
@@ -135,7 +136,7 @@ std::string exitReason(const std::filesystem::path& path, int exitStatus) {
     if (auto line = firstKeptLine(path)) {
         return *std::move(line);
     }
-    return "Exited (code " + std::to_string(exitStatus) + ")";
+    return filled(localized("velmora::TunnelEngine", "Exited (code %1)"), {std::to_string(exitStatus)});
 }
 
 }  // namespace velmora

@@ -1,5 +1,6 @@
 #include "tunnel/TunnelEngine.h"
 
+#include "base/Localized.h"
 #include "base/Pipe.h"
 #include "base/Text.h"
 #include "tunnel/Backoff.h"
@@ -43,7 +44,7 @@ void TunnelEngine::connect(const SSHHost& host) {
         return;
     }
     if (host.hostname.empty()) {
-        setStatus(host.id, ConnectionStatus::error("No hostname configured"));
+        setStatus(host.id, ConnectionStatus::error(localized("velmora::TunnelEngine", "No hostname configured")));
         return;
     }
     manuallyDisconnected_.erase(host.id);
@@ -129,7 +130,8 @@ void TunnelEngine::handleExit(const Uuid& id, const std::string& reason) {
         return;
     }
     const auto delay = reconnectDelay(retryCounts_[id]++);
-    setStatus(id, ConnectionStatus::error("Reconnecting in " + std::to_string(delay.count()) + "s… (" + reason + ")"));
+    setStatus(id, ConnectionStatus::error(filled(localized("velmora::TunnelEngine", "Reconnecting in %1s… (%2)"),
+                                                 {std::to_string(delay.count()), reason})));
     retryTasks_[id] = startTask(delay, [this, id] { retry(id); });  // an earlier one still comes
 }
 

@@ -16,11 +16,20 @@ namespace velmora {
 
 namespace {
 
+QString nameOf(AuthMethod method) {
+    switch (method) {
+        case AuthMethod::key:
+            return ConnectionTabView::tr("SSH Key");
+        case AuthMethod::password:
+            break;
+    }
+    return ConnectionTabView::tr("Password", "way of authentication");
+}
+
 QStringList methodNames() {
     QStringList names;
     for (const AuthMethod method : allAuthMethods) {
-        const auto text = rawValue(method);
-        names.append(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+        names.append(nameOf(method));
     }
     return names;
 }

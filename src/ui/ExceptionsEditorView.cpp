@@ -126,10 +126,9 @@ void ExceptionsEditorView::setDirty(bool dirty) {
 }
 
 void ExceptionsEditorView::showCount() {
-    const auto count = parseExceptions(content_->text().toStdString()).size();
-    const QString number = QString::number(count);
-    count_->setText(count == 1 ? tr("%1 exception — matching hosts connect DIRECT").arg(number)
-                               : tr("%1 exceptions — matching hosts connect DIRECT").arg(number));
+    const auto count = static_cast<int>(parseExceptions(content_->text().toStdString()).size());
+    count_->setText(count == 1 ? tr("1 exception — matching hosts connect DIRECT")
+                               : tr("%n exceptions — matching hosts connect DIRECT", nullptr, count));
 }
 
 }  // namespace velmora

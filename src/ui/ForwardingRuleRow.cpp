@@ -24,8 +24,15 @@ constexpr int padding = 4;
 constexpr int narrowestAddress = 88;
 
 QString nameOf(ForwardingType type) {
-    const auto text = rawValue(type);
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    switch (type) {
+        case ForwardingType::local:
+            return ForwardingRuleRow::tr("Local");
+        case ForwardingType::remote:
+            return ForwardingRuleRow::tr("Remote");
+        case ForwardingType::dynamic:
+            break;
+    }
+    return ForwardingRuleRow::tr("Dynamic");
 }
 
 /// Whether the focus came by the user, and not with a window or from a menu.

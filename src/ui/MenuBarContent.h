@@ -21,7 +21,7 @@ namespace velmora {
 /// The status-bar menu. It follows the manager and the updater when it is told to `refresh`; entries that stay are
 /// changed in place. Main thread.
 class MenuBarContent final {
-    Q_DECLARE_TR_FUNCTIONS(MenuBarContent)
+    Q_DECLARE_TR_FUNCTIONS(velmora::MenuBarContent)
 
 public:
     struct Actions {

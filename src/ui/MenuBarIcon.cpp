@@ -41,16 +41,17 @@ int count(const Counts& counts, ConnectionStatus::State state) {
 QString summary(const Counts& counts) {
     using State = ConnectionStatus::State;
     QStringList parts;
-    const auto add = [&](State state, const QString& words) {
-        if (const int hosts = count(counts, state); hosts > 0) {
-            parts << QString::number(hosts) + QLatin1Char(' ') + words;
-        }
-    };
-    add(State::connected, QStringLiteral("connected"));
-    add(State::connecting, QStringLiteral("connecting"));
-    add(State::error, QStringLiteral("failed"));
-    return QStringLiteral("Velmora: ") +
-           (parts.isEmpty() ? QStringLiteral("not connected") : parts.join(QStringLiteral(", ")));
+    if (const int hosts = count(counts, State::connected); hosts > 0) {
+        parts << MenuBarIcon::tr("%n connected", nullptr, hosts);
+    }
+    if (const int hosts = count(counts, State::connecting); hosts > 0) {
+        parts << MenuBarIcon::tr("%n connecting", nullptr, hosts);
+    }
+    if (const int hosts = count(counts, State::error); hosts > 0) {
+        parts << MenuBarIcon::tr("%n failed", nullptr, hosts);
+    }
+    return MenuBarIcon::tr("Velmora: %1")
+        .arg(parts.isEmpty() ? MenuBarIcon::tr("not connected") : parts.join(QStringLiteral(", ")));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "manager/TunnelManager.h"
 #include "platform/TrayWatcher.h"
 
+#include <QCoreApplication>
 #include <QIcon>
 #include <QString>
 #include <QSystemTrayIcon>
@@ -16,6 +17,8 @@ namespace velmora {
 /// The icon in the status bar: "network" while a host is connecting or connected, otherwise "network-slash". Main
 /// thread.
 class MenuBarIcon final {
+    Q_DECLARE_TR_FUNCTIONS(velmora::MenuBarIcon)
+
 public:
     /// Shows itself at once. A click where the panel does not open the menu by itself calls `activated`.
     MenuBarIcon(TunnelManager& manager, TrayKind kind, QMenu& menu, std::function<void()> activated);

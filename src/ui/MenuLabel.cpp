@@ -1,5 +1,6 @@
 #include "ui/MenuLabel.h"
 
+#include <QCoreApplication>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
@@ -60,7 +61,7 @@ QString oneLine(std::string_view text) {
 
 QString displayName(std::string_view name) {
     const QString line = oneLine(name);
-    return line.isEmpty() ? QStringLiteral("Unnamed") : line;
+    return line.isEmpty() ? QCoreApplication::translate("velmora::MenuLabel", "Unnamed") : line;
 }
 
 QString menuLabel(std::string_view name, MenuText drawnAs) {

@@ -75,11 +75,11 @@ void PacProxySection::importPatterns() {
 }
 
 void PacProxySection::showExceptionCount() {
-    const std::size_t count = parseExceptions(services_.manager.proxyExceptions().get()).size();
+    const auto count = static_cast<int>(parseExceptions(services_.manager.proxyExceptions().get()).size());
     if (count == 0) {
         exceptionCount_->setText(tr("None"));
     } else {
-        exceptionCount_->setText(count == 1 ? tr("1 host") : tr("%1 hosts").arg(count));
+        exceptionCount_->setText(count == 1 ? tr("1 host") : tr("%n hosts", nullptr, count));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "ui/MenuLabel.h"
 #include "ui/Tints.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 #include <QPixmap>
 
@@ -14,6 +15,10 @@ namespace velmora {
 namespace {
 
 using State = ConnectionStatus::State;
+
+struct StatusWords {
+    Q_DECLARE_TR_FUNCTIONS(velmora::StatusLook)
+};
 
 constexpr QRgb green = 0xff34a853;
 constexpr QRgb amber = 0xfff2b01e;
@@ -45,19 +50,19 @@ QPixmap dot(State state, int scale) {
 
 QString statusText(const ConnectionStatus& status, const std::optional<std::string>& uptime) {
     if (uptime) {
-        return QStringLiteral("Connected · ") + QString::fromStdString(*uptime);
+        return StatusWords::tr("Connected · %1").arg(QString::fromStdString(*uptime));
     }
     switch (status.state) {
         case State::disconnected:
-            return QStringLiteral("Not Connected");
+            return StatusWords::tr("Not Connected");
         case State::connecting:
-            return QStringLiteral("Connecting...");
+            return StatusWords::tr("Connecting...");
         case State::connected:
-            return QStringLiteral("Connected");
+            return StatusWords::tr("Connected");
         case State::error:
             break;
     }
-    return QStringLiteral("Error: ") + oneLine(status.message);
+    return StatusWords::tr("Error: %1").arg(oneLine(status.message));
 }
 
 QColor statusColor(State state) {

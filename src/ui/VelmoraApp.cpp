@@ -123,7 +123,7 @@ void VelmoraApp::showImportResult() {
         return;
     }
     dialogs_.alert(
-        {.message = tr(importAlertTitle), .informativeText = QString::fromStdString(importAlertMessage(*result))},
+        {.message = tr("Import Complete"), .informativeText = QString::fromStdString(importAlertMessage(*result))},
         [this] { commands_.importResult().set({}); });
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/DiskRoom.h"
+#include "base/Localized.h"
 #include "base/Sha256.h"
 #include "base/Uuid.h"
 #include "update/ArchiveListing.h"
@@ -206,7 +207,7 @@ Result<void, UpdateError> Installation::startSwap(const fs::path& newBundle) {
         return UpdateError::system(written.error().message);
     }
     if (cancellation_.isRequested()) {
-        return UpdateError::system("The installation was cancelled.");
+        return UpdateError::system(localized("velmora::UpdateError", "The installation was cancelled."));
     }
     const auto started =
         tools_.launcher.start("/bin/sh", {script.string(), newBundle.string(), installed_.path.string()});

@@ -1,21 +1,26 @@
 #include "update/UpdateError.h"
 
+#include "base/Localized.h"
+
 namespace velmora {
 
 std::string UpdateError::description() const {
     switch (reason) {
         case Case::badFeed:
-            return "Update check failed: " + detail;
+            return filled(localized("velmora::UpdateError", "Update check failed: %1"), {detail});
         case Case::badDownload:
-            return "Download failed: " + detail;
+            return filled(localized("velmora::UpdateError", "Download failed: %1"), {detail});
         case Case::signature:
-            return "Download rejected: not signed by the expected developer.\n" + detail;
+            return filled(
+                localized("velmora::UpdateError", "Download rejected: not signed by the expected developer.\n%1"),
+                {detail});
         case Case::versionMismatch:
-            return "Download rejected: bundle is v" + detail + ", manifest promised v" + promisedVersion + ".";
+            return filled(localized("velmora::UpdateError", "Download rejected: bundle is v%1, manifest promised v%2."),
+                          {detail, promisedVersion});
         case Case::notWritable:
-            return "Can't replace " + detail + " — no write permission.";
+            return filled(localized("velmora::UpdateError", "Can't replace %1 — no write permission."), {detail});
         case Case::checksumMismatch:
-            return "Download rejected: checksum doesn't match the manifest.";
+            return localized("velmora::UpdateError", "Download rejected: checksum doesn't match the manifest.");
         case Case::system:
             break;
     }

@@ -1,5 +1,6 @@
 #include "update/UpdateManifest.h"
 
+#include "base/Localized.h"
 #include "model/JsonDocument.h"
 
 #include <boost/json/object.hpp>
@@ -46,7 +47,8 @@ private:
 
     void fail(const std::string& reason) {
         if (!error_) {
-            error_ = Error{"The update feed cannot be read: " + reason + "."};
+            error_ =
+                Error{filled(localized("velmora::UpdateManifest", "The update feed cannot be read: %1."), {reason})};
         }
     }
 
@@ -59,11 +61,11 @@ private:
 Result<UpdateManifest, Error> decodeManifest(std::string_view text) {
     const auto document = JsonDocument::parse(text, text.size());
     if (!document) {
-        return Error{"The update feed cannot be read: it is not valid JSON."};
+        return Error{localized("velmora::UpdateManifest", "The update feed cannot be read: it is not valid JSON.")};
     }
     const auto* object = document->root().if_object();
     if (object == nullptr) {
-        return Error{"The update feed cannot be read: it is not a JSON object."};
+        return Error{localized("velmora::UpdateManifest", "The update feed cannot be read: it is not a JSON object.")};
     }
 
     Reader reader(*object);

@@ -1,5 +1,6 @@
 #include "update/Updater.h"
 
+#include "base/Localized.h"
 #include "update/FetchManifest.h"
 #include "update/VersionOrder.h"
 
@@ -71,7 +72,7 @@ void Updater::check(CheckTrigger trigger) {
     isBusy_.set(true);
     errorMessage_.set(std::nullopt);
     if (trigger == CheckTrigger::manual) {
-        status_.set("Checking…");
+        status_.set(localized("velmora::Updater", "Checking…"));
     }
     services_.worker.run([&http = services_.http, url = *feedURL_, trigger,
                           finish = onMainThread(&Updater::finishCheck)](const Cancellation& cancellation) {
@@ -100,7 +101,7 @@ void Updater::offer(const UpdateManifest& manifest, CheckTrigger trigger) {
     }
     available_.set(std::nullopt);
     if (trigger == CheckTrigger::manual) {
-        status_.set("You're on the latest version (v" + currentVersion() + ").");
+        status_.set(filled(localized("velmora::Updater", "You're on the latest version (v%1)."), {currentVersion()}));
     } else {
         status_.set(std::nullopt);
     }
@@ -112,7 +113,7 @@ void Updater::install() {
     }
     errorMessage_.set(std::nullopt);
     isBusy_.set(true);
-    status_.set("Downloading v" + (*available_)->version + "…");
+    status_.set(filled(localized("velmora::Updater", "Downloading v%1…"), {(*available_)->version}));
     services_.worker.run([tools = Installation::Tools{services_.http, services_.bundles, services_.launcher},
                           folder = services_.temporaryFolder, bundle = services_.runningBundle,
                           events = installationEvents(), manifest = **available_,
@@ -131,7 +132,8 @@ void Updater::showProgress(std::uint64_t received, std::optional<std::uint64_t> 
 
 void Updater::showStage(Installation::Stage stage) {
     progress_.set(std::nullopt);
-    status_.set(stage == Installation::Stage::verifying ? "Verifying…" : "Installing…");
+    status_.set(stage == Installation::Stage::verifying ? localized("velmora::Updater", "Verifying…")
+                                                        : localized("velmora::Updater", "Installing…"));
 }
 
 void Updater::finishInstallation(const Result<void, UpdateError>& result) {
@@ -143,7 +145,7 @@ void Updater::finishInstallation(const Result<void, UpdateError>& result) {
     progress_.set(std::nullopt);
     status_.set(std::nullopt);
     errorMessage_.set(description);
-    services_.alert.show("Update failed", description, [self = std::weak_ptr(self_)] {
+    services_.alert.show(localized("velmora::Updater", "Update failed"), description, [self = std::weak_ptr(self_)] {
         if (const auto updater = self.lock()) {
             (*updater)->isBusy_.set(false);
         }

@@ -13,6 +13,7 @@
 #include "ui/QuickExceptionView.h"
 #include "ui/SettingsView.h"
 #include "ui/Showroom.h"
+#include "ui/Translations.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -196,13 +197,19 @@ void expectNamesAndKeys(QWidget& window) {
     }
 }
 
-/// How much larger the type is than usual.
-class LabelsTest : public testing::TestWithParam<double> {
+struct Words {
+    const char* name;
+    double size = 1;  ///< of the type, in usual ones
+    const char* language = "en";
+};
+
+class LabelsTest : public testing::TestWithParam<Words> {
 protected:
     LabelsTest() {
         QFont larger = usual;
-        larger.setPointSizeF(usual.pointSizeF() * GetParam());
+        larger.setPointSizeF(usual.pointSizeF() * GetParam().size);
         QApplication::setFont(larger);
+        installTranslations(translations, {QString::fromLatin1(GetParam().language)});
         stand.addTheUnusual();
     }
     ~LabelsTest() override { QApplication::setFont(usual); }
@@ -246,6 +253,7 @@ protected:
     }
 
     const QFont usual = QApplication::font();
+    QObject translations;  ///< they go with it
     Showroom stand;
 };
 
@@ -320,8 +328,10 @@ TEST_P(LabelsTest, OfTheAboutBox) {
     check(window);
 }
 
-INSTANTIATE_TEST_SUITE_P(Type, LabelsTest, testing::Values(1.0, 1.5),
-                         [](const auto& type) { return type.param > 1 ? "Larger" : "Usual"; });
+INSTANTIATE_TEST_SUITE_P(Type, LabelsTest,
+                         testing::Values(Words{.name = "Usual"}, Words{.name = "Larger", .size = 1.5},
+                                         Words{.name = "German", .language = "de"}),
+                         [](const auto& type) { return type.param.name; });
 
 }  // namespace
 }  // namespace velmora

@@ -1,5 +1,7 @@
 #include "platform/qt/HttpTransfer.h"
 
+#include "base/Localized.h"
+
 #include <QNetworkRequest>
 #include <QSslError>
 #include <QUrl>
@@ -46,12 +48,12 @@ HttpTransfer::HttpTransfer(const HttpRequest& request, Receiver receiver, const 
     manager_.setAutoDeleteReplies(false);
     idleTimer_.setSingleShot(true);
     totalTimer_.setSingleShot(true);
-    const auto timedOut = [this] { fail("The request timed out."); };
+    const auto timedOut = [this] { fail(localized("velmora::HttpTransfer", "The request timed out.")); };
     connect(&idleTimer_, &QTimer::timeout, this, timedOut);
     connect(&totalTimer_, &QTimer::timeout, this, timedOut);
     connect(&cancellationTimer_, &QTimer::timeout, this, [this] {
         if (cancellation_.isRequested()) {
-            fail("The request was cancelled.");
+            fail(localized("velmora::HttpTransfer", "The request was cancelled."));
         }
     });
 }
@@ -111,7 +113,8 @@ void HttpTransfer::readBody() {
         }
         received_ += static_cast<std::uint64_t>(count);
         if (received_ > request_.largestBody) {
-            fail("The answer is larger than " + std::to_string(request_.largestBody) + " bytes.");
+            fail(filled(localized("velmora::HttpTransfer", "The answer is larger than %1 bytes."),
+                        {std::to_string(request_.largestBody)}));
             return;
         }
         if (const auto taken = receiver_.take({buffer.data(), static_cast<std::size_t>(count)}); !taken) {
@@ -131,7 +134,8 @@ void HttpTransfer::beginBody() {
         size_ = length;
     }
     if (size_.value_or(0) > request_.largestBody) {
-        fail("The answer is larger than " + std::to_string(request_.largestBody) + " bytes.");
+        fail(filled(localized("velmora::HttpTransfer", "The answer is larger than %1 bytes."),
+                    {std::to_string(request_.largestBody)}));
     } else if (const auto ready = receiver_.begin(size_); !ready) {
         fail(ready.error().message);
     }
@@ -160,7 +164,7 @@ void HttpTransfer::finishReply() {
     if (code == statusOk) {
         readBody();
         if (!error_ && size_ && received_ != *size_) {
-            fail("The connection was lost before the answer was complete.");
+            fail(localized("velmora::HttpTransfer", "The connection was lost before the answer was complete."));
         }
     }
     if (!error_ && code == statusOk) {
