@@ -11,7 +11,6 @@
 #include "platform/posix/StandardStreams.h"
 #include "platform/posix/SystemProcessRunner.h"
 #include "platform/posix/ThreadWorker.h"
-#include "platform/qt/QtHttpClient.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/QtWorkspace.h"
 #include "platform/qt/SingleInstance.h"
@@ -76,7 +75,7 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
 
     const auto policy = makeActivationPolicy();
     SystemDialogs dialogs(*policy);
-    QtHttpClient http;
+    const auto http = makeHttpClient();
     const auto& identity = options.updateIdentity;
     const auto bundleTools = makeBundleTools(runner,
                                              {.teamIdentifier = identity.teamIdentifier,
@@ -90,7 +89,7 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
         {.scheduler = scheduler,
          .defaults = *defaults,
          .worker = worker,
-         .http = http,
+         .http = *http,
          .bundles = *bundleTools,
          .launcher = detachedLauncher,
          .alert = alert,

@@ -4,6 +4,7 @@
 #include "platform/BundleTools.h"
 #include "platform/CredentialStore.h"
 #include "platform/DefaultsStore.h"
+#include "platform/HttpClient.h"
 #include "platform/LaunchAtLogin.h"
 #include "platform/Paths.h"
 #include "platform/ProcessRunner.h"
@@ -18,6 +19,7 @@ namespace velmora {
 
 std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& paths);
 std::unique_ptr<CredentialStore> makeCredentialStore();
+std::unique_ptr<HttpClient> makeHttpClient();
 std::unique_ptr<TrayWatcher> makeTrayWatcher();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
 std::unique_ptr<LaunchAtLogin> makeLaunchAtLogin(const Paths& paths);

@@ -1,11 +1,12 @@
 """One instance, and every way to end it."""
 
 import os
+import shutil
 import signal
 import stat
 import time
 
-from desktop import Item, Watcher, host, run_tests, ssh_children, stays, wait_until
+from desktop import PROGRAM, Item, Watcher, host, run_tests, ssh_children, stays, wait_until
 
 
 def started(desktop, hosts):
@@ -144,6 +145,45 @@ def ctrl_q_in_the_window_ends_it(desktop):
     assert program.wait(5) == 0
 
 
+def the_network_and_the_keyring_are_loaded_when_they_are_needed(desktop):
+    def loaded(library):
+        with open(f"/proc/{program.pid}/maps", encoding="utf-8") as file:
+            return library in file.read()
+
+    program, item, _ = started(desktop, [host("web", authMethod="Password")])
+    item.click("Open Main Window")
+    wait_until(desktop.windows, "the window opens")
+    for library in ("lib/velmora/", "libsecret", "libQt6Network"):
+        assert not loaded(library), library
+    item.click("Connect All")
+    wait_until(lambda: loaded("lib/velmora/keyring.so"), "a connect asks the keyring")
+    wait_until(lambda: ssh_children(program), "and goes on")
+    wait_until(lambda: loaded("lib/velmora/network.so"), "the first look for updates needs the network")
+    stays(lambda: program.poll() is None, "the program runs on")
+
+
+def without_its_libraries_it_keeps_tunnels_all_the_same(desktop):
+    desktop.write_hosts([host("web", authMethod="Password", connectOnStartup=True)])
+    alone = os.path.join(desktop.home, "velmora")
+    shutil.copy(PROGRAM, alone)
+    watcher = Watcher(desktop)
+    log = os.path.join(desktop.home, "log")
+    with open(log, "wb") as file:
+        program = desktop.start(alone, stderr=file)
+    watcher.wait_for_item()
+    wait_until(lambda: ssh_children(program), "its tunnel starts")
+
+    def complaints():
+        with open(log, encoding="utf-8") as file:
+            return [line for line in file if "cannot be loaded" in line]
+
+    wait_until(lambda: len(complaints()) == 2, "the first look for updates fails, too")
+    assert "keyring.so: No such file" in complaints()[0] and "network.so: No such file" in complaints()[1], complaints()
+    stays(lambda: ssh_children(program), "the tunnel stays")
+    program.terminate()
+    assert program.wait(5) == 0
+
+
 if __name__ == "__main__":
     run_tests(
         a_second_launch_opens_the_window_of_the_first_and_ends,
@@ -158,4 +198,6 @@ if __name__ == "__main__":
         sighup_ends_it_in_order,
         closing_the_window_does_not_end_it,
         ctrl_q_in_the_window_ends_it,
+        the_network_and_the_keyring_are_loaded_when_they_are_needed,
+        without_its_libraries_it_keeps_tunnels_all_the_same,
     )

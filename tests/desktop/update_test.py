@@ -69,6 +69,7 @@ class Release:
         build = os.path.join(self.desktop.home, "build-" + version)
         os.makedirs(os.path.join(build, "bin"))
         shutil.copy(program, os.path.join(build, "bin", "velmora"))
+        shutil.copytree(os.path.join(os.path.dirname(program), "../lib"), os.path.join(build, "lib"))
         subprocess.run([os.path.join(PACKAGING, "make-bundle"), "--build", build, "--output", output,
                         "--version", version, *more], check=True, stdout=subprocess.DEVNULL)
         shutil.rmtree(build)

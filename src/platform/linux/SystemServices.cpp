@@ -1,9 +1,10 @@
 #include "platform/SystemServices.h"
 
 #include "platform/linux/AutostartEntry.h"
+#include "platform/linux/LateCredentialStore.h"
+#include "platform/linux/LateHttpClient.h"
 #include "platform/linux/LinuxBundleTools.h"
 #include "platform/linux/LinuxTrayWatcher.h"
-#include "platform/linux/SecretServiceStore.h"
 #include "platform/qt/IniDefaultsStore.h"
 
 namespace velmora {
@@ -18,6 +19,16 @@ public:
     void activate() override {}
 };
 
+std::filesystem::path runningProgram() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+/// The program's own libraries have the same place beside its folder wherever it is: in a build, a package, a bundle.
+std::filesystem::path moduleFile(const char* name) {
+    return runningProgram().parent_path().parent_path() / "lib/velmora" / name;
+}
+
 }  // namespace
 
 std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& paths) {
@@ -25,7 +36,11 @@ std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& paths) {
 }
 
 std::unique_ptr<CredentialStore> makeCredentialStore() {
-    return std::make_unique<SecretServiceStore>();
+    return std::make_unique<LateCredentialStore>(moduleFile("keyring.so"));
+}
+
+std::unique_ptr<HttpClient> makeHttpClient() {
+    return std::make_unique<LateHttpClient>(moduleFile("network.so"));
 }
 
 std::unique_ptr<TrayWatcher> makeTrayWatcher() {
@@ -37,9 +52,7 @@ std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
 }
 
 std::unique_ptr<LaunchAtLogin> makeLaunchAtLogin(const Paths& paths) {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return std::make_unique<AutostartEntry>(paths.configuration, program);
+    return std::make_unique<AutostartEntry>(paths.configuration, runningProgram());
 }
 
 std::unique_ptr<BundleTools> makeBundleTools(ProcessRunner& runner, const BundleTrust& trust, const Paths& paths) {

@@ -5,6 +5,7 @@
 #include "platform/macos/LoginItem.h"
 #include "platform/macos/MacBundleTools.h"
 #include "platform/qt/QtDefaultsStore.h"
+#include "platform/qt/QtHttpClient.h"
 
 #include <QObject>
 #include <QSettings>
@@ -38,6 +39,10 @@ std::unique_ptr<DefaultsStore> makeDefaultsStore(const Paths& /*paths*/) {
 
 std::unique_ptr<CredentialStore> makeCredentialStore() {
     return std::make_unique<KeychainCredentialStore>();
+}
+
+std::unique_ptr<HttpClient> makeHttpClient() {
+    return std::make_unique<QtHttpClient>();
 }
 
 std::unique_ptr<TrayWatcher> makeTrayWatcher() {
