@@ -2,7 +2,7 @@
 
 namespace velmora {
 
-MenuBarHostItem::MenuBarHostItem(TunnelManager& manager, const SSHHost& host, const StatusDots& dots, MenuText drawnAs)
+MenuBarHostItem::MenuBarHostItem(TunnelManager& manager, const SSHHost& host, StatusDots& dots, MenuText drawnAs)
     : manager_(manager),
       dots_(dots),
       drawnAs_(drawnAs),

@@ -14,7 +14,7 @@ namespace velmora {
 /// inactive host and disconnects an active one.
 class MenuBarHostItem final {
 public:
-    MenuBarHostItem(TunnelManager& manager, const SSHHost& host, const StatusDots& dots, MenuText drawnAs);
+    MenuBarHostItem(TunnelManager& manager, const SSHHost& host, StatusDots& dots, MenuText drawnAs);
     MenuBarHostItem(const MenuBarHostItem&) = delete;
     MenuBarHostItem& operator=(const MenuBarHostItem&) = delete;
 
@@ -28,7 +28,7 @@ private:
     void showWords();
 
     TunnelManager& manager_;
-    const StatusDots& dots_;
+    StatusDots& dots_;
     MenuText drawnAs_;
     SSHHost host_;
     ConnectionStatus status_;

@@ -92,16 +92,13 @@ QColor statusColor(State state, const QColor& background) {
     return color;
 }
 
-StatusDots::StatusDots() {
-    for (const State state : {State::disconnected, State::connecting, State::connected, State::error}) {
-        QIcon& both = icons_[static_cast<std::size_t>(state)];
+const QIcon& StatusDots::icon(State state) {
+    QIcon& both = icons_[static_cast<std::size_t>(state)];
+    if (both.isNull()) {
         both.addPixmap(dot(state, 1));
         both.addPixmap(dot(state, 2));
     }
-}
-
-const QIcon& StatusDots::icon(State state) const {
-    return icons_[static_cast<std::size_t>(state)];
+    return both;
 }
 
 }  // namespace velmora

@@ -21,12 +21,11 @@ namespace velmora {
 /// The same, as much darker or lighter as it takes to stand out from the background: a contrast of 3:1 at least.
 [[nodiscard]] QColor statusColor(ConnectionStatus::State state, const QColor& background);
 
-/// The dots that stand before the hosts in the menu. White ones carry a thin outline, to be seen on white.
+/// The dots that stand before the hosts in the menu. White ones carry a thin outline, to be seen on white. Each is
+/// drawn when it is first shown.
 class StatusDots final {
 public:
-    StatusDots();
-
-    [[nodiscard]] const QIcon& icon(ConnectionStatus::State state) const;
+    [[nodiscard]] const QIcon& icon(ConnectionStatus::State state);
 
 private:
     std::array<QIcon, 4> icons_;

@@ -53,7 +53,7 @@ TEST(StatusLook, ColoursThatStandOutAnywayStayAsTheyAre) {
 }
 
 TEST(StatusLook, DotsOfTheMenu) {
-    const StatusDots dots;
+    StatusDots dots;
     const QColor green = middleOf(dots.icon(State::connected));
     EXPECT_GT(green.green(), green.red());
     EXPECT_GT(green.green(), green.blue());
@@ -68,14 +68,14 @@ TEST(StatusLook, DotsOfTheMenu) {
 }
 
 TEST(StatusLook, AWhiteDotCanBeSeenOnWhite) {
-    const StatusDots dots;
+    StatusDots dots;
     const QImage image = dots.icon(State::disconnected).pixmap(16).toImage();
     EXPECT_LT(image.pixelColor(4, 8).lightness(), 200);
     EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
 }
 
 TEST(StatusLook, DotsAreSharpAtTwiceTheSize) {
-    const StatusDots dots;
+    StatusDots dots;
     for (const State state : {State::disconnected, State::connecting, State::connected, State::error}) {
         EXPECT_TRUE(dots.icon(state).availableSizes().contains(QSize(16, 16)));
         EXPECT_EQ(dots.icon(state).pixmap(QSize(16, 16), 2.0).size(), QSize(32, 32));
