@@ -1,5 +1,7 @@
 #include "platform/linux/LateModule.h"
 
+#include "base/Localized.h"
+
 #include <QDebug>
 
 #include <dlfcn.h>
@@ -30,7 +32,8 @@ Result<void*, Error> LateModule::find() {
 
 Result<void*, Error> LateModule::load() {
     const auto failure = [this](const std::string& reason) {
-        return Error{"A part of Velmora cannot be loaded: " + file_.string() + ": " + reason};
+        return Error{filled(localized("velmora::LateModule", "A part of Velmora cannot be loaded: %1"),
+                            {file_.string() + ": " + reason})};
     };
     if (!fd_) {
         return failure(std::generic_category().message(openError_));
