@@ -588,13 +588,6 @@
     </message>
 </context>
 <context>
-    <name>velmora::LateModule</name>
-    <message>
-        <source>A part of Velmora cannot be loaded: %1</source>
-        <translation>Ein Teil von Velmora kann nicht geladen werden: %1</translation>
-    </message>
-</context>
-<context>
     <name>velmora::ImportResult</name>
     <message>
         <source>Imported 1 tunnel.</source>
@@ -617,6 +610,13 @@
             <numerusform>%n Duplikat übersprungen.</numerusform>
             <numerusform>%n Duplikate übersprungen.</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>velmora::LateModule</name>
+    <message>
+        <source>A part of Velmora cannot be loaded: %1</source>
+        <translation>Ein Teil von Velmora kann nicht geladen werden: %1</translation>
     </message>
 </context>
 <context>
