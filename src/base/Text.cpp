@@ -288,8 +288,8 @@ bool isNumeric(std::string_view character) {
 std::string lowercased(std::string_view text) {
     std::string result(text);
     if (isAscii(text)) {
-        std::ranges::transform(result, result.begin(),
-                               [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+        std::transform(result.begin(), result.end(), result.begin(),
+                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
         return result;
     }
     UErrorCode status = U_ZERO_ERROR;

@@ -16,7 +16,10 @@ namespace velmora {
 struct Uuid {
     std::array<std::uint8_t, 16> bytes{};
 
-    auto operator<=>(const Uuid&) const = default;
+    bool operator==(const Uuid&) const = default;
+    std::strong_ordering operator<=>(const Uuid& other) const {
+        return std::memcmp(bytes.data(), other.bytes.data(), bytes.size()) <=> 0;
+    }
 
     /// A fresh version 4 identifier from the system's entropy; nobody can guess it.
     static Uuid random();

@@ -20,10 +20,10 @@ constexpr std::array<Text, 10> builtIns{
     u"isPlainHostName", u"localHostOrDomainIs", u"dnsResolve", u"myIpAddress", u"alert"};
 
 std::optional<Kind> kindOf(Text word) {
-    if (std::ranges::find(keywords, word) != keywords.end()) {
+    if (std::find(keywords.begin(), keywords.end(), word) != keywords.end()) {
         return Kind::keyword;
     }
-    if (std::ranges::find(builtIns, word) != builtIns.end()) {
+    if (std::find(builtIns.begin(), builtIns.end(), word) != builtIns.end()) {
         return Kind::builtIn;
     }
     return std::nullopt;

@@ -46,7 +46,7 @@ std::string_view withoutPort(std::string_view text) {
         return text;
     }
     const auto port = characters(text.substr(host.size() + 1));
-    return !port.empty() && std::ranges::all_of(port, isNumeric) ? host : text;
+    return !port.empty() && std::all_of(port.begin(), port.end(), isNumeric) ? host : text;
 }
 
 }  // namespace
@@ -76,7 +76,7 @@ std::string normalizeExceptions(std::string_view text) {
 std::optional<std::string> addProxyException(std::string_view text, std::string_view entry) {
     auto pattern = normalizeExceptionPattern(entry);
     auto patterns = parseExceptions(text);
-    if (pattern.empty() || std::ranges::find(patterns, pattern) != patterns.end()) {
+    if (pattern.empty() || std::find(patterns.begin(), patterns.end(), pattern) != patterns.end()) {
         return std::nullopt;
     }
     patterns.push_back(std::move(pattern));

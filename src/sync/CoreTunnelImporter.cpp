@@ -131,7 +131,8 @@ constexpr char asciiLower(char c) {
 }
 
 bool equalInAnyCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, asciiLower, asciiLower);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char left, char right) { return asciiLower(left) == asciiLower(right); });
 }
 
 /// Any capitalisation counts. (No other script has letters whose other case is one of the names' letters.)

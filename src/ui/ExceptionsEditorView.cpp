@@ -102,7 +102,7 @@ void ExceptionsEditorView::appendQuickAdd() {
         return;
     }
     auto list = parseExceptions(content_->text().toStdString());
-    if (std::ranges::find(list, pattern) == list.end()) {
+    if (std::find(list.begin(), list.end(), pattern) == list.end()) {
         list.push_back(pattern);
         content_->setText(QString::fromStdString(join(list, "\n")));
         setDirty(true);

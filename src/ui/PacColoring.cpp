@@ -67,10 +67,11 @@ void PacColoring::show(Ranges ranges) {
     for (QTextBlock block = document_.begin(); block.isValid(); block = block.next()) {
         const auto begin = static_cast<std::size_t>(block.position());
         const auto end = begin + static_cast<std::size_t>(block.length()) - 1;
-        const auto first =
-            std::ranges::find_if(ranges, [begin](const auto& range) { return range.start + range.length > begin; });
+        const auto first = std::find_if(ranges.begin(), ranges.end(),
+                                        [begin](const auto& range) { return range.start + range.length > begin; });
         ranges = {first, ranges.end()};
-        const auto last = std::ranges::find_if(ranges, [end](const auto& range) { return range.start >= end; });
+        const auto last =
+            std::find_if(ranges.begin(), ranges.end(), [end](const auto& range) { return range.start >= end; });
         const Ranges own = block.length() <= longestLine ? Ranges(first, last) : Ranges();
         const int state = signature(own, begin, end);
         if (block.userState() == state) {

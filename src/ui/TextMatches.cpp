@@ -20,7 +20,7 @@ TextMatches::TextMatches(QString text, const QString& pattern)
 }
 
 std::optional<int> TextMatches::numberAt(int position) const {
-    const auto found = std::ranges::lower_bound(starts_, position);
+    const auto found = std::lower_bound(starts_.begin(), starts_.end(), position);
     if (found == starts_.end() || *found != position) {
         return std::nullopt;
     }
@@ -28,7 +28,7 @@ std::optional<int> TextMatches::numberAt(int position) const {
 }
 
 int TextMatches::atOrAfter(int position) const {
-    const auto found = std::ranges::lower_bound(starts_, position);
+    const auto found = std::lower_bound(starts_.begin(), starts_.end(), position);
     if (found != starts_.end()) {
         return *found;
     }
@@ -36,7 +36,7 @@ int TextMatches::atOrAfter(int position) const {
 }
 
 int TextMatches::before(int position) const {
-    const auto next = std::ranges::lower_bound(starts_, position);
+    const auto next = std::lower_bound(starts_.begin(), starts_.end(), position);
     const bool wraps = next == starts_.begin();
     if (hasMore_ && (wraps || next == starts_.end())) {
         // Beyond the counted ones. Qt takes an end before the text for one from behind.
@@ -48,7 +48,7 @@ int TextMatches::before(int position) const {
 
 std::vector<int> TextMatches::between(int begin, int end, int most) const {
     std::vector<int> found;
-    const auto first = std::ranges::lower_bound(starts_, begin);
+    const auto first = std::lower_bound(starts_.begin(), starts_.end(), begin);
     for (auto start = first; start != starts_.end() && *start < end && std::ssize(found) < most; ++start) {
         found.push_back(*start);
     }
