@@ -15,6 +15,7 @@ target_compile_options(
             -Wconversion
             -Wnon-virtual-dtor
             -Woverloaded-virtual
+            $<$<PLATFORM_ID:Darwin>:-Wunguarded-availability>
             $<$<BOOL:${VELMORA_WERROR}>:-Werror>)
 target_compile_definitions(
   velmora_flags
