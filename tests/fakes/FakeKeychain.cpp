@@ -2,7 +2,10 @@
 
 #include <Security/Security.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace {
@@ -11,25 +14,41 @@ using velmora::fakeKeychain;
 
 enum Kind : CFTypeID { text = 1, data, dictionary, boolean };
 
+struct Object;
+
+/// A dictionary with the usual callbacks keeps its entries alive; one without leaves that to the caller.
+struct Entries {
+    bool retains = false;
+    std::map<std::string, const Object*> byAttribute;
+};
+
 /// Every object of the fake frameworks.
 struct Object {
     Kind kind;
     std::string bytes;
-    std::map<std::string, std::string> entries;
+    Entries entries{};
     bool constant = false;
+    mutable int references = 1;
 };
+
+std::set<const void*>& alive() {
+    static std::set<const void*> all;
+    return all;
+}
 
 template <typename Ref>
 Ref created(Kind kind, std::string bytes) {
-    ++fakeKeychain().liveObjects;
-    return reinterpret_cast<Ref>(new Object{.kind = kind, .bytes = std::move(bytes), .entries = {}});
+    auto* object = new Object{.kind = kind, .bytes = std::move(bytes)};
+    alive().insert(object);
+    fakeKeychain().liveObjects = static_cast<std::ptrdiff_t>(alive().size());
+    return reinterpret_cast<Ref>(object);
 }
 
 /// Objects that are there for good.
 const Object* constantObject(Kind kind, const char* bytes) {
     static std::map<std::string, std::unique_ptr<Object>> all;
     auto& object = all[bytes];
-    object = std::make_unique<Object>(Object{.kind = kind, .bytes = bytes, .entries = {}, .constant = true});
+    object = std::make_unique<Object>(Object{.kind = kind, .bytes = bytes, .constant = true});
     return object.get();
 }
 
@@ -37,14 +56,42 @@ CFStringRef constantText(const char* bytes) {
     return reinterpret_cast<CFStringRef>(constantObject(text, bytes));
 }
 
+[[noreturn]] void refuse(const char* reason) {
+    std::fprintf(stderr, "FakeKeychain: %s\n", reason);
+    std::abort();
+}
+
+/// A constant is told from an object that is gone by its address.
 const Object& objectOf(const void* reference) {
+    static const std::set<const void*> constants{kCFBooleanTrue,  kSecClass,       kSecClassGenericPassword,
+                                                 kSecAttrService, kSecAttrAccount, kSecValueData,
+                                                 kSecReturnData,  kSecMatchLimit,  kSecMatchLimitOne};
+    if (!constants.contains(reference) && !alive().contains(reference)) {
+        refuse("an object is used that is not there");
+    }
     return *static_cast<const Object*>(reference);
+}
+
+/// The entries as text, and as the system wants them: anything else it does not understand.
+std::map<std::string, std::string> read(CFDictionaryRef reference) {
+    static const std::map<std::string, Kind> kinds{{"class", text}, {"service", text},     {"account", text},
+                                                   {"data", data},  {"match limit", text}, {"return data", boolean}};
+    std::map<std::string, std::string> result;
+    for (const auto& [attribute, value] : objectOf(reference).entries.byAttribute) {
+        const Object& object = objectOf(value);
+        const auto kind = kinds.find(attribute);
+        if (kind == kinds.end() || kind->second != object.kind) {
+            refuse("an attribute has a value of another kind");
+        }
+        result[attribute] = object.bytes;
+    }
+    return result;
 }
 
 using Item = std::pair<std::string, std::string>;
 
 Item itemOf(CFDictionaryRef query) {
-    fakeKeychain().lastQuery = objectOf(query).entries;
+    fakeKeychain().lastQuery = read(query);
     return {fakeKeychain().lastQuery["service"], fakeKeychain().lastQuery["account"]};
 }
 
@@ -79,10 +126,18 @@ const CFStringRef kSecMatchLimit = constantText("match limit");
 const CFStringRef kSecMatchLimitOne = constantText("one");
 
 void CFRelease(CFTypeRef object) {
-    if (!objectOf(object).constant) {
-        --fakeKeychain().liveObjects;
-        delete static_cast<const Object*>(object);
+    const Object& released = objectOf(object);
+    if (released.constant || --released.references > 0) {
+        return;
     }
+    if (released.entries.retains) {
+        for (const auto& [attribute, value] : released.entries.byAttribute) {
+            CFRelease(value);
+        }
+    }
+    alive().erase(object);
+    fakeKeychain().liveObjects = static_cast<std::ptrdiff_t>(alive().size());
+    delete &released;
 }
 
 CFTypeID CFGetTypeID(CFTypeRef object) {
@@ -106,18 +161,34 @@ const UInt8* CFDataGetBytePtr(CFDataRef object) {
 }
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef /*allocator*/, const UInt8* bytes, CFIndex length,
-                                    CFStringEncoding /*encoding*/, Boolean /*isExternalRepresentation*/) {
+                                    CFStringEncoding encoding, Boolean isExternalRepresentation) {
+    if (encoding != kCFStringEncodingUTF8 || isExternalRepresentation != 0) {
+        refuse("a text is not read as UTF-8 without a mark in front");
+    }
     return created<CFStringRef>(text, bytesOf(bytes, length));
 }
 
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef /*allocator*/, CFIndex /*capacity*/,
-                                                 const CFDictionaryKeyCallBacks* /*keyCallBacks*/,
-                                                 const CFDictionaryValueCallBacks* /*valueCallBacks*/) {
-    return created<CFMutableDictionaryRef>(dictionary, {});
+                                                 const CFDictionaryKeyCallBacks* keyCallBacks,
+                                                 const CFDictionaryValueCallBacks* valueCallBacks) {
+    if (keyCallBacks != &kCFTypeDictionaryKeyCallBacks) {
+        refuse("keys are compared by address");
+    }
+    const auto created = ::created<CFMutableDictionaryRef>(dictionary, {});
+    reinterpret_cast<Object*>(created)->entries.retains = valueCallBacks == &kCFTypeDictionaryValueCallBacks;
+    return created;
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef target, const void* key, const void* value) {
-    reinterpret_cast<Object*>(target)->entries[objectOf(key).bytes] = objectOf(value).bytes;
+    auto& entries = reinterpret_cast<Object*>(target)->entries;
+    const Object*& entry = entries.byAttribute[objectOf(key).bytes];
+    if (entries.retains) {
+        ++objectOf(value).references;
+        if (entry != nullptr) {
+            CFRelease(entry);
+        }
+    }
+    entry = &objectOf(value);
 }
 
 OSStatus SecItemCopyMatching(CFDictionaryRef query, CFTypeRef* result) {
@@ -140,7 +211,8 @@ OSStatus SecItemUpdate(CFDictionaryRef query, CFDictionaryRef changes) {
     if (item == fakeKeychain().items.end()) {
         return errSecItemNotFound;
     }
-    item->second = objectOf(changes).entries.at("data");
+    fakeKeychain().lastChanges = read(changes);
+    item->second = fakeKeychain().lastChanges.at("data");
     return errSecSuccess;
 }
 

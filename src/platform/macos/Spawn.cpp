@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <system_error>
+#include <utility>
 
 namespace velmora {
 
@@ -69,9 +70,11 @@ UniqueFd watchExit(pid_t pid) {
     if (::kevent(queue.get(), &change, 1, nullptr, 0, nullptr) == 0) {
         return queue;
     }
+    if (errno != ESRCH) {
+        return {};
+    }
     EV_SET(&change, 1, EVFILT_USER, EV_ADD, NOTE_TRIGGER, 0, nullptr);  // already a zombie
-    ::kevent(queue.get(), &change, 1, nullptr, 0, nullptr);
-    return queue;
+    return ::kevent(queue.get(), &change, 1, nullptr, 0, nullptr) == 0 ? std::move(queue) : UniqueFd();
 }
 
 }  // namespace

@@ -8,7 +8,13 @@ extern "C" {
 
 typedef int32_t OSStatus;
 
-enum : OSStatus { errSecSuccess = 0, errSecItemNotFound = -25300, errSecDuplicateItem = -25299 };
+enum : OSStatus {
+    errSecSuccess = 0,
+    errSecNotAvailable = -25291,
+    errSecDuplicateItem = -25299,
+    errSecItemNotFound = -25300,
+    errSecInteractionNotAllowed = -25308,
+};
 
 extern const CFStringRef kSecClass;
 extern const CFStringRef kSecClassGenericPassword;

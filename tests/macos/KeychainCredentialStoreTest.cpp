@@ -12,7 +12,7 @@ protected:
     using Attributes = std::map<std::string, std::string>;
 
     KeychainCredentialStoreTest() { fakeKeychain() = {}; }
-    ~KeychainCredentialStoreTest() override { EXPECT_EQ(fakeKeychain().liveObjects, 0U); }
+    ~KeychainCredentialStoreTest() override { EXPECT_EQ(fakeKeychain().liveObjects, 0); }
 
     [[nodiscard]] static Attributes base() {
         return {{"class", "generic password"}, {"service", "com.velmora.app"}, {"account", "account"}};
@@ -60,6 +60,7 @@ TEST_F(KeychainCredentialStoreTest, updateChangesTheDataAloneAndDoesNotAdd) {
     EXPECT_EQ(store.add(key, "one"), CredentialStatus::success);
     EXPECT_EQ(store.update(key, "two"), CredentialStatus::success);
     EXPECT_EQ(fakeKeychain().lastQuery, base());
+    EXPECT_EQ(fakeKeychain().lastChanges, (Attributes{{"data", "two"}}));
     EXPECT_EQ(store.copyMatching(key).secret, "two");
 }
 
