@@ -248,6 +248,12 @@ class Keyring:
         self.daemon.stdin.close()
         desktop.wait_for_name(desktop.connect_to_bus(), self.SERVICE)
 
+    def lock(self):
+        path = "/org/freedesktop/secrets"
+        self._desktop.connect_to_bus().call_sync(
+            self.SERVICE, path, "org.freedesktop.Secret.Service", "Lock",
+            GLib.Variant("(ao)", ([path + "/aliases/default"],)), None, Gio.DBusCallFlags.NONE, -1, None)
+
     def wait_for_end(self):
         """It goes by itself when the session bus has gone."""
         self.daemon.wait(10)

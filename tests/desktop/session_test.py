@@ -5,7 +5,8 @@ import os
 import signal
 import subprocess
 
-from desktop import (Item, Watcher, descriptors, host, run_tests, runs, ssh_children, ssh_pids, stays, wait_until)
+from desktop import (Item, Watcher, descriptors, host, read_lines, run_tests, runs, ssh_children, ssh_pids, stays,
+                     wait_until)
 from screen import Keyring, Screen
 from session_manager import SessionManager
 from walk import Walk
@@ -256,6 +257,46 @@ def a_log_out_ends_it_while_a_menu_is_open(desktop):
     ends_with_a_dialog_open(desktop, menu)
 
 
+def silent_prompter(desktop):
+    """Stands where the desktop would ask for the keyring's password, and never answers."""
+    program = ("import os, signal; from gi.repository import Gio, GLib; bus = Gio.bus_get_sync(Gio.BusType.SESSION);"
+               "bus.call_sync('org.freedesktop.DBus', '/org/freedesktop/DBus', 'org.freedesktop.DBus', 'RequestName',"
+               "GLib.Variant('(su)', ('org.gnome.keyring.SystemPrompter', 4)), None, 0, -1, None);"
+               "os.kill(os.getpid(), signal.SIGSTOP)")
+    prompter = desktop.start("/usr/bin/python3", "-c", program)
+    wait_until(lambda: state(prompter.pid) == "T", "the prompter is there")
+    return prompter
+
+
+def state(pid):
+    for line in read_lines(f"/proc/{pid}/stat"):
+        return line.rsplit(")", 1)[1].split()[0]
+    return None
+
+
+def a_log_out_ends_it_while_the_keyring_asks_for_its_password(desktop):
+    """A tunnel with a password runs without it until the user has answered. The question goes with the session."""
+    profile = host("web", authMethod="Password")
+    keyring = Keyring(desktop)
+    keep_password(desktop, profile["id"], "secret")
+    keyring.lock()
+    prompter = silent_prompter(desktop)
+    heard = os.path.join(desktop.home, "bus")
+    with open(heard, "wb") as file:
+        desktop.start("dbus-monitor", "--session", stdout=file, stderr=subprocess.DEVNULL)
+    wait_until(lambda: read_lines(heard), "the bus is listened to")
+    try:
+        program, _ = connected(desktop, [profile])
+        running = ssh_pids(program)
+        assert not scripts(desktop), "the keyring is locked"
+        wait_until(lambda: any("member=BeginPrompting" in line for line in read_lines(heard)), "the user is asked")
+        program.terminate()
+        assert program.wait(2) == 0
+        wait_until(lambda: not any(runs(pid) for pid in running), "every ssh has ended", timeout=3)
+    finally:
+        prompter.send_signal(signal.SIGCONT)
+
+
 def a_session_manager_ends_it_in_order(desktop):
     """Nothing is asked, and nothing is started again by the session at the next log-in."""
     with SessionManager(desktop) as manager:
@@ -292,6 +333,7 @@ if __name__ == "__main__":
         a_log_out_ends_it_while_a_question_is_open,
         a_log_out_ends_it_while_the_sheet_is_open,
         a_log_out_ends_it_while_a_menu_is_open,
+        a_log_out_ends_it_while_the_keyring_asks_for_its_password,
         a_session_manager_ends_it_in_order,
         a_session_manager_ends_it_while_a_file_dialog_is_open,
         a_session_manager_ends_it_while_a_question_is_open,
