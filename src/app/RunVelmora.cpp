@@ -118,7 +118,9 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
     instance.onKnock([&app] { app.openManagedWindow(windows::main); });
     updater.start();
     options.beforeLoop(manager, updater);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    instance.stopListening();
+    return status;
 }
 
 }  // namespace velmora
