@@ -109,9 +109,9 @@ class Session(Walk):
         self.screen.gone("New Tunnel")
         wait_until(lambda: self.row("Unnamed").has(SELECTED), "the new host is selected")
 
-    def toggle_until(self, name, beginning):
-        self.screen.click(self.row(name), times=2)
-        wait_until(lambda: self.rows()[0].startswith(f"{name}, {beginning}"), f"{name!r} is {beginning}")
+    def all(self, entry, name, status):
+        self.tray.click(entry)
+        wait_until(lambda: self.rows()[0].startswith(f"{name}, {status}"), f"{name!r} is {status}")
 
     def rename(self, name):
         self.screen.fill(self.main.find("Name", "text"), name)
@@ -151,14 +151,14 @@ def a_whole_session_leaves_the_password_in_the_keyring_alone(desktop):
     watch = Watch(desktop, session.program, needles)
     try:
         session.create(sshd, password)
-        session.toggle_until("Unnamed", "Connected · ")
-        assert "Accepted password" in sshd.log(), sshd.log()
+        session.all("Connect All", "Unnamed", "Connected · ")
+        wait_until(lambda: "Accepted password" in sshd.log(), "the server has let it in")
         session.rename("by-password")
         assert not needles.found_in(session.served().encode())
         session.export_and_import(exported)
-        session.toggle_until("by-password", "Not Connected")
+        session.all("Disconnect All", "by-password", "Not Connected")
         wait_until(lambda: not scripts_in(desktop.runtime), "the script goes")
-        session.toggle_until("by-password", "Connected · ")
+        session.all("Connect All", "by-password", "Connected · ")
         [script] = scripts_in(desktop.runtime)
         assert stat.S_IMODE(os.stat(script).st_mode) == 0o700
         assert stat.S_IMODE(os.stat(desktop.runtime).st_mode) == 0o700
