@@ -4,6 +4,8 @@
 #include "platform/Paths.h"
 #include "platform/SystemServices.h"
 #include "platform/posix/AsioProcessLauncher.h"
+#include "platform/posix/CoreDumps.h"
+#include "platform/posix/ExitWatcher.h"
 #include "platform/posix/FileLimit.h"
 #include "platform/posix/IoThread.h"
 #include "platform/posix/SignalWatcher.h"
@@ -48,6 +50,7 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
         return 0;
     }
 
+    disableCoreDumps();
     raiseFileLimit();
     introduce();
     QApplication application(argc, argv);
@@ -111,10 +114,13 @@ int runVelmora(int argc, char** argv, const ProgramOptions& options) {
                     .policy = *policy,
                     .teamIdentifier = identity.teamIdentifier});
     shell = &app;
+    const ExitWatcher lostDisplay([&manager] { manager.terminateAllProcesses(); });
     instance.onKnock([&app] { app.openManagedWindow(windows::main); });
     updater.start();
     options.beforeLoop(manager, updater);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    instance.stopListening();
+    return status;
 }
 
 }  // namespace velmora

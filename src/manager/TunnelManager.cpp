@@ -35,6 +35,9 @@ TunnelManager::TunnelManager(Platform platform)
       logDir_(platform_.paths.library / "Logs" / "Velmora"),
       folderSync_(platform_.scheduler, platform_.defaults) {
     removeAbandonedAskpassScripts(platform_.paths.temporary);
+    for (const auto& directory : platform_.paths.otherTemporaries) {
+        removeAbandonedAskpassScripts(directory);
+    }
     loadSettings();
     std::ignore = createPrivateDirectory(storageURL_.parent_path());  // silent: the program works without
     std::ignore = createPrivateDirectory(logDir_);                    // silent too

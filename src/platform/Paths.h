@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 
 namespace velmora {
 
@@ -12,6 +13,7 @@ struct Paths {
     std::filesystem::path configuration;       ///< the defaults store and autostart entries (Linux)
     std::filesystem::path temporary;           ///< for askpass scripts: private to the user, programs may run from it
     std::filesystem::path largeTemporary;      ///< for downloads
+    std::set<std::filesystem::path> otherTemporaries{};  ///< where `temporary` may be for a run of another environment
 
     /// As this system has it.
     static Paths ofThisUser();

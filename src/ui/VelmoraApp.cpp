@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCursor>
 #include <QEvent>
+#include <QPixmapCache>
 #include <QSessionManager>
 
 #include <algorithm>
@@ -107,6 +108,7 @@ void VelmoraApp::followWindows() {
     const QWidgetList windows = QApplication::topLevelWidgets();
     if (std::none_of(windows.begin(), windows.end(), isTitledAndVisible)) {
         policy_.setAccessory();
+        QPixmapCache::clear();  // it would wake up to let go of what the windows have left
     }
 }
 

@@ -42,16 +42,30 @@ def stays(condition, what, seconds=0.5):
         time.sleep(0.02)
 
 
+# No folder of services: what is to run on the bus is started by the test, and nothing comes back by itself.
+BUS_CONFIGURATION = """<busconfig>
+  <type>session</type>
+  <listen>{address}</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+
 class Desktop:
     """Session bus, X server and home directory, for as long as a `with` block lasts."""
 
     def __enter__(self):
         self.home = tempfile.mkdtemp(prefix="velmora-desktop-")
-        runtime = os.path.join(self.home, "run")
-        os.mkdir(runtime, 0o700)
+        self.runtime = os.path.join(self.home, "run")
+        os.mkdir(self.runtime, 0o700)
         self.environment = {
             "HOME": self.home,
-            "XDG_RUNTIME_DIR": runtime,
+            "XDG_RUNTIME_DIR": self.runtime,
             "PATH": os.environ["PATH"],
             "LANG": "C.UTF-8",
             "QT_QPA_PLATFORM": "xcb",
@@ -61,9 +75,10 @@ class Desktop:
             if name in os.environ:
                 self.environment[name] = os.environ[name]
         self.processes = []
+        self.program_options = {}  # for Popen
         try:
-            self._start_bus()
-            self._start_display()
+            self.start_bus()
+            self.start_display()
         except BaseException:
             self.__exit__(None, None, None)
             raise
@@ -85,19 +100,25 @@ class Desktop:
         self.processes.append(process)
         return process
 
-    def _start_bus(self):
-        bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address=1",
-                         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        self.bus_address = bus.stdout.readline().strip()
+    def start_bus(self):
+        """Each time at the same address, as a login has it."""
+        self.bus_address = f"unix:path={self.runtime}/bus"
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus_address
+        configuration = os.path.join(self.runtime, "bus.conf")
+        with open(configuration, "w", encoding="utf-8") as file:
+            file.write(BUS_CONFIGURATION.format(address=self.bus_address))
+        self.bus = self.start("dbus-daemon", "--config-file", configuration, "--nofork", "--print-address=1",
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.bus.stdout.readline()
 
-    def _start_display(self):
+    def start_display(self):
+        """A new X server; its number becomes that of the desktop."""
         # A number of our own: servers that look for a free one and leave at the same time trip over each other.
         display = ":" + str(100 + os.getpid() % 50000)
         reading, writing = os.pipe()
         # Without "-r" a key that a busy machine holds down for long would count again and again.
-        self.start("Xvfb", display, "-displayfd", str(writing), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
-                   "-noreset", "-r", pass_fds=[writing], stderr=subprocess.DEVNULL)
+        self.display = self.start("Xvfb", display, "-displayfd", str(writing), "-screen", "0", "1024x768x24",
+                                  "-nolisten", "tcp", "-noreset", "-r", pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as numbers:
             self.environment["DISPLAY"] = ":" + numbers.readline().strip()
@@ -106,6 +127,12 @@ class Desktop:
         flags = Gio.DBusConnectionFlags
         return Gio.DBusConnection.new_for_address_sync(
             self.bus_address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION, None, None)
+
+    def wait_for_name(self, bus, name):
+        """Waits until somebody on the session bus answers to it."""
+        wait_until(lambda: bus.call_sync(
+            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+            GLib.Variant("(s)", (name,)), None, Gio.DBusCallFlags.NONE, -1, None).unpack()[0], f"{name} is there")
 
     @property
     def hosts_path(self):
@@ -125,7 +152,7 @@ class Desktop:
             return []
 
     def start_program(self):
-        return self.start(PROGRAM)
+        return self.start(PROGRAM, **self.program_options)
 
     def windows(self):
         """The visible windows that the program has named "Velmora"; a window manager's frames have no class."""
@@ -346,6 +373,56 @@ def ssh_children(process):
         if parent == process.pid and arguments[0].endswith(b"ssh"):
             found.append(arguments)
     return found
+
+
+def ssh_pids(process):
+    """The numbers of every ssh that the program runs."""
+    return [pid for pid in children(process.pid) if words_of(pid)[0].endswith(b"ssh")]
+
+
+def children(parent):
+    found = []
+    for task in read_lines(f"/proc/{parent}/task"):
+        for line in read_lines(f"/proc/{parent}/task/{task}/children"):
+            found += [int(pid) for pid in line.split()]
+    return found
+
+
+def descendants(parent):
+    found = []
+    for pid in children(parent):
+        found += [pid, *descendants(pid)]
+    return found
+
+
+def read_lines(path):
+    """Lines of a file, or names in a folder; nothing when it is gone."""
+    try:
+        if os.path.isdir(path):
+            return os.listdir(path)
+        with open(path, encoding="utf-8") as file:
+            return file.read().splitlines()
+    except OSError:
+        return []
+
+
+def words_of(pid, what="cmdline"):
+    """Arguments or environment of a process."""
+    try:
+        with open(f"/proc/{pid}/{what}", "rb") as file:
+            return file.read().split(b"\0")
+    except OSError:
+        return [b""]
+
+
+def runs(pid):
+    for line in read_lines(f"/proc/{pid}/stat"):
+        return line.rsplit(")", 1)[1].split()[0] != "Z"
+    return False
+
+
+def descriptors(process):
+    return len(os.listdir(f"/proc/{process.pid}/fd"))
 
 
 def run_tests(*tests):

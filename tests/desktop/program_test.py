@@ -6,7 +6,7 @@ import signal
 import stat
 import time
 
-from desktop import PROGRAM, Item, Watcher, host, run_tests, ssh_children, stays, wait_until
+from desktop import PROGRAM, Item, Watcher, host, run_tests, runs, ssh_children, stays, wait_until
 
 
 def started(desktop, hosts):
@@ -93,14 +93,6 @@ def ends_at_once(desktop, number):
     program.send_signal(number)
     assert program.wait(1) == 0
     wait_until(lambda: not any(runs(pid) for pid in pids), "every ssh has ended", timeout=2)
-
-
-def runs(pid):
-    try:
-        with open(f"/proc/{pid}/stat", encoding="utf-8") as file:
-            return file.read().rsplit(")", 1)[1].split()[0] != "Z"
-    except OSError:
-        return False
 
 
 def sigterm_ends_it_in_order(desktop):

@@ -126,6 +126,7 @@ class Screen:
         desktop.start("openbox", **quiet)
         desktop.start("/usr/libexec/at-spi-bus-launcher", "--launch-immediately", **quiet)
         session = desktop.connect_to_bus()
+        desktop.wait_for_name(session, "org.a11y.Bus")
         address = session.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", None, None,
                                     Gio.DBusCallFlags.NONE, -1, None).unpack()[0]
         flags = Gio.DBusConnectionFlags
@@ -240,15 +241,22 @@ class Keyring:
 
     def __init__(self, desktop):
         self._desktop = desktop
-        daemon = desktop.start("gnome-keyring-daemon", "--foreground", "--components=secrets", "--unlock",
-                               stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        daemon.stdin.write(b"keyring password")
-        daemon.stdin.close()
-        bus = desktop.connect_to_bus()
-        wait_until(lambda: bus.call_sync(
-            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
-            GLib.Variant("(s)", (self.SERVICE,)), None, Gio.DBusCallFlags.NONE, -1, None).unpack()[0],
-            "the keyring answers")
+        self.daemon = desktop.start(
+            "gnome-keyring-daemon", "--foreground", "--components=secrets", "--unlock",
+            stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.daemon.stdin.write(b"keyring password")
+        self.daemon.stdin.close()
+        desktop.wait_for_name(desktop.connect_to_bus(), self.SERVICE)
+
+    def lock(self):
+        path = "/org/freedesktop/secrets"
+        self._desktop.connect_to_bus().call_sync(
+            self.SERVICE, path, "org.freedesktop.Secret.Service", "Lock",
+            GLib.Variant("(ao)", ([path + "/aliases/default"],)), None, Gio.DBusCallFlags.NONE, -1, None)
+
+    def wait_for_end(self):
+        """It goes by itself when the session bus has gone."""
+        self.daemon.wait(10)
 
     def password(self, host_id):
         """What is kept for a host, or None."""

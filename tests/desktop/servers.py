@@ -76,13 +76,16 @@ class PageServer:
 
 
 class Sshd:
-    """An sshd with keys of its own. The user who runs the test logs in with `user_key`.
+    """An sshd with keys of its own. The user who runs the test logs in with `user_key`; with a `password`, the same
+    user also as ACCOUNT, by that.
 
     Whoever asks it to connect to one of `names` (name to address) gets that address; nobody else knows the names. The
     library that sees to it needs no privilege and changes nothing on the machine.
     """
 
-    def __init__(self, desktop, label, names):
+    ACCOUNT = "velmora-test"
+
+    def __init__(self, desktop, label, names, password=None):
         self.port = free_port()
         self.user = pwd.getpwuid(os.geteuid()).pw_name
         self._directory = os.path.join(desktop.home, label)
@@ -97,7 +100,7 @@ class Sshd:
             ListenAddress 127.0.0.1
             HostKey {self._path("host-key")}
             AuthorizedKeysFile {self._path("authorized-keys")}
-            PasswordAuthentication no
+            PasswordAuthentication {"yes" if password else "no"}
             KbdInteractiveAuthentication no
             UsePAM no
             UseDNS no
@@ -106,14 +109,30 @@ class Sshd:
             PidFile none
             LogLevel DEBUG1
         """)
+        self._wrapper = ["LD_PRELOAD=libnss_wrapper.so", f"NSS_WRAPPER_HOSTS={self._path('names')}"]
+        if password:
+            self._add_account(desktop, password)
         if os.geteuid() == 0:
             os.makedirs("/run/sshd", exist_ok=True)  # root's sshd insists on it
         self._start(desktop)
 
+    def _add_account(self, desktop, password):
+        """For this sshd alone; the system's own accounts stay as they are."""
+        salted = subprocess.run(["openssl", "passwd", "-6", "-stdin"], input=password, stdout=subprocess.PIPE,
+                                text=True, check=True).stdout.strip()
+        lines = {"passwd": f"{self.ACCOUNT}:x:{os.geteuid()}:{os.getegid()}::{desktop.home}:/bin/sh\n",
+                 "group": "", "shadow": f"{self.ACCOUNT}:{salted}:19000:0:99999:7:::\n"}
+        for name, line in lines.items():
+            known = ""
+            if name != "shadow":
+                with open(f"/etc/{name}", encoding="utf-8") as file:
+                    known = file.read()
+            self._write(name, known + line)
+            self._wrapper.append(f"NSS_WRAPPER_{name.upper()}={self._path(name)}")
+
     def _start(self, desktop):
         with open(self._path("log"), "wb") as log:
-            process = desktop.start("env", "LD_PRELOAD=libnss_wrapper.so", f"NSS_WRAPPER_HOSTS={self._path('names')}",
-                                    "/usr/sbin/sshd", "-D", "-e", "-f", self._path("configuration"),
+            process = desktop.start("env", *self._wrapper, "/usr/sbin/sshd", "-D", "-e", "-f", self._path("configuration"),
                                     stdin=subprocess.DEVNULL, stderr=log)
         wait_until(lambda: listens(self.port) or process.poll() is not None, "sshd starts")
         assert process.poll() is None, f"sshd does not start: {self.log()}"

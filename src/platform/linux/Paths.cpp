@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <optional>
+#include <string>
 
 namespace velmora {
 
@@ -48,6 +49,10 @@ bool isFitForScripts(const fs::path& directory) {
     return ::statvfs(directory.c_str(), &mount) == 0 && (mount.f_flag & ST_NOEXEC) == 0;
 }
 
+fs::path usualRuntimeDirectory() {
+    return "/run/user/" + std::to_string(::getuid());
+}
+
 }  // namespace
 
 Paths Paths::ofThisUser() {
@@ -60,6 +65,8 @@ Paths Paths::ofThisUser() {
 
     const auto runtime = directoryFrom("XDG_RUNTIME_DIR");
     paths.temporary = runtime && isFitForScripts(*runtime) ? *runtime : paths.largeTemporary;
+    paths.otherTemporaries = {runtime.value_or(usualRuntimeDirectory()), paths.largeTemporary, "/tmp"};
+    paths.otherTemporaries.erase(paths.temporary);
     return paths;
 }
 

@@ -28,12 +28,21 @@ void makePrivateDirectories(const std::filesystem::path& directory) {
 
 SingleInstance::SingleInstance(const std::filesystem::path& directory) : pipePath_(directory / "instance.pipe") {
     makePrivateDirectories(directory);
-    if (lock(directory / "instance.lock")) {
-        listen();
-    } else {
-        role_ = Role::later;
-        knock();
+    const auto lockPath = directory / "instance.lock";
+    // The other one may be about to make the pipe, or may have closed it because it is about to end.
+    constexpr int attempts = 100;
+    constexpr auto pause = std::chrono::milliseconds(20);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (lock(lockPath)) {
+            listen();
+            return;
+        }
+        if (knock()) {
+            break;
+        }
+        std::this_thread::sleep_for(pause);
     }
+    role_ = Role::later;
 }
 
 SingleInstance::~SingleInstance() = default;
@@ -54,20 +63,17 @@ void SingleInstance::listen() {
     pipe_.reset(::open(pipePath_.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW));
 }
 
-/// The other one may be about to make the pipe.
-void SingleInstance::knock() const {
-    constexpr int attempts = 100;
-    constexpr auto pause = std::chrono::milliseconds(20);
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        const UniqueFd pipe(::open(pipePath_.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW));
-        if (pipe) {
-            constexpr char anything = '\n';
-            // A full pipe says the same as one byte more.
-            [[maybe_unused]] const auto written = ::write(pipe.get(), &anything, 1);
-            return;
-        }
-        std::this_thread::sleep_for(pause);
-    }
+/// False when nobody listens.
+bool SingleInstance::knock() const {
+    const UniqueFd pipe(::open(pipePath_.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW));
+    constexpr char anything = '\n';
+    // A full pipe says the same as one byte more.
+    return pipe && (::write(pipe.get(), &anything, 1) == 1 || errno == EAGAIN);
+}
+
+void SingleInstance::stopListening() {
+    notifier_.reset();
+    pipe_.reset();
 }
 
 void SingleInstance::onKnock(std::function<void()> knocked) {

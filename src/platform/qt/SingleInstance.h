@@ -27,13 +27,16 @@ public:
 
     [[nodiscard]] Role role() const { return role_; }
 
+    /// Nobody is told any more. Whoever comes from now on waits for this one to go, and takes its place.
+    void stopListening();
+
     /// From now on calls the function whenever a later one has knocked, also if that was before.
     void onKnock(std::function<void()> knocked);
 
 private:
     [[nodiscard]] bool lock(const std::filesystem::path& file);
     void listen();
-    void knock() const;
+    [[nodiscard]] bool knock() const;
     [[nodiscard]] bool drain() const;
 
     std::filesystem::path pipePath_;

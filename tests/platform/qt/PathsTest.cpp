@@ -13,11 +13,14 @@
 #include <cstdlib>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace velmora {
 
 namespace {
+
+using Directories = std::set<std::filesystem::path>;
 
 /// Starts from an environment that names none of the directories, and puts it back afterwards.
 class PathsTest : public ::testing::Test {
@@ -90,6 +93,16 @@ TEST_F(PathsTest, ScriptsGoIntoThePrivateRuntimeDirectory) {
     set("XDG_RUNTIME_DIR", runtime.path().string());
     EXPECT_EQ(Paths::ofThisUser().temporary, runtime.path());
     EXPECT_EQ(Paths::ofThisUser().largeTemporary, "/tmp");
+}
+
+TEST_F(PathsTest, KnowWhereTheScriptsOfARunWithAnotherEnvironmentMayBe) {
+    const TemporaryDirectory runtime;
+    const auto usual = "/run/user/" + std::to_string(::getuid());
+    EXPECT_EQ(Paths::ofThisUser().otherTemporaries, Directories({usual}));
+    set("TMPDIR", "/scratch");
+    EXPECT_EQ(Paths::ofThisUser().otherTemporaries, Directories({usual, "/tmp"}));
+    set("XDG_RUNTIME_DIR", runtime.path().string());
+    EXPECT_EQ(Paths::ofThisUser().otherTemporaries, Directories({"/scratch", "/tmp"}));
 }
 
 TEST_F(PathsTest, ARuntimeDirectoryThatOthersMayEnterIsNotUsed) {

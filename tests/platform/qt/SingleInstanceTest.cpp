@@ -5,6 +5,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
+#include <future>
+#include <memory>
+
 namespace velmora {
 
 namespace {
@@ -49,6 +53,16 @@ TEST_F(SingleInstanceTest, TheNextOneIsFirstAgain) {
     next.onKnock([&] { ++knocks; });
     EXPECT_EQ(SingleInstance(directory).role(), Role::later);
     EXPECT_TRUE(runUntil([&] { return knocks == 1; }));
+}
+
+TEST_F(SingleInstanceTest, WhoComesWhileTheFirstIsAboutToEndTakesItsPlace) {
+    auto first = std::make_unique<SingleInstance>(directory);
+    first->onKnock([] {});
+    first->stopListening();
+    auto next = std::async(std::launch::async, [&] { return SingleInstance(directory).role(); });
+    EXPECT_EQ(next.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    first.reset();
+    EXPECT_EQ(next.get(), Role::first);
 }
 
 TEST_F(SingleInstanceTest, TwoDirectoriesAreTwoInstances) {
