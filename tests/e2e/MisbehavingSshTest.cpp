@@ -109,7 +109,7 @@ TEST_F(MisbehavingSshTest, OneThatClosesStandardErrorIsConnectedAndItsExitIsNoti
     EXPECT_EQ(shown(host), "Reconnecting in 5s… (Exited (code 9))");
 }
 
-TEST_F(MisbehavingSshTest, AHeirThatHoldsThePipesHoldsUpNothing) {
+TEST_F(MisbehavingSshTest, AnHeirThatHoldsThePipesHoldsUpNothing) {
     start({{"FAKESSH_HEIR", directory_ / "heir"}, {"FAKESSH_SAY", "bye\n"}, {"FAKESSH_EXIT", "3"}});
     const auto host = hostNamed("a");
     EXPECT_EQ(shownAfterConnecting(host, 2s), "Reconnecting in 5s… (bye)");
