@@ -43,6 +43,7 @@ void introduce() {
 
 int runVelmora(int argc, char** argv, const ProgramOptions& options) {
     openMissingStandardStreams();
+    ignoreBrokenPipes();
     const Paths paths = Paths::ofThisUser();
     const auto directory = paths.applicationSupport / "Velmora";
     SingleInstance instance(directory);

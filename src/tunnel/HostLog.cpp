@@ -18,6 +18,12 @@ namespace {
 constexpr mode_t logFileMode = 0600;
 constexpr std::size_t longestReason = 4096;
 
+/// A log is a file. Whoever reads a FIFO can go away while it is written to, and that would end the program.
+bool isFile(const UniqueFd& fd) {
+    struct stat status {};
+    return ::fstat(fd.get(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 /// Without the first bytes of a last character whose other bytes are missing.
 std::string_view withoutCutCharacter(std::string_view text) {
     constexpr std::size_t longestCharacter = 4;
@@ -43,7 +49,7 @@ public:
             const auto end = block.find('\n');
             addToLine(block.substr(0, end));
             if (end == std::string_view::npos) {
-                return false;
+                return isFull() && look();  // the rest of the line, however long, would change nothing
             }
             if (endLine()) {
                 return true;
@@ -55,13 +61,9 @@ public:
 
     /// The text has ended, perhaps without a line feed.
     bool endLine() {
-        const bool isCut = line_.size() == longestReason;
-        const auto text = trimWhitespaceAndNewlines(isCut ? withoutCutCharacter(line_) : line_);
-        if (isKept(text)) {
-            reason_ = std::string(text);
-        }
+        const bool isFound = look();
         line_.clear();
-        return reason_.has_value();
+        return isFound;
     }
 
     [[nodiscard]] const std::optional<std::string>& reason() const { return reason_; }
@@ -69,6 +71,17 @@ public:
 private:
     static bool isKept(std::string_view line) {
         return !line.empty() && !line.starts_with("[") && !line.starts_with("Warning:") && !line.starts_with("debug");
+    }
+
+    [[nodiscard]] bool isFull() const { return line_.size() == longestReason; }
+
+    /// True when the line, as far as it is known, is the reason.
+    bool look() {
+        const auto text = trimWhitespaceAndNewlines(isFull() ? withoutCutCharacter(line_) : line_);
+        if (isKept(text)) {
+            reason_ = std::string(text);
+        }
+        return reason_.has_value();
     }
 
     /// A line of any length takes bounded memory: white space at its start and text beyond the limit are not kept.
@@ -88,8 +101,7 @@ private:
 
 std::optional<std::string> firstKeptLine(const std::filesystem::path& path) {
     const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (!fd || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (!fd || !isFile(fd)) {
         return std::nullopt;
     }
     ReasonFinder finder;
@@ -118,9 +130,15 @@ std::filesystem::path hostLogPath(const std::filesystem::path& logDirectory, con
 }
 
 void appendToLog(const std::filesystem::path& path, std::string_view bytes) {
+    if (path.native().find('\0') != std::string::npos) {
+        return;  // the system would write to the file that is named up to there, which need not be a log
+    }
     // O_NONBLOCK: a FIFO in the place of the log must not stop the tunnel.
     const UniqueFd fd(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, logFileMode));
-    while (fd && !bytes.empty()) {
+    if (!fd || !isFile(fd)) {
+        return;
+    }
+    while (!bytes.empty()) {
         const auto count = ::write(fd.get(), bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR) {
             continue;

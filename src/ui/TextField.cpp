@@ -2,6 +2,7 @@
 
 #include <QFocusEvent>
 #include <QPainter>
+#include <QValidator>
 
 #include <algorithm>
 #include <limits>
@@ -12,10 +13,28 @@ namespace {
 
 constexpr int underlineWidth = 2;
 
+bool isLineBreak(QChar character) {
+    return character == QLatin1Char('\n') || character == QLatin1Char('\r') ||
+           character == QChar(QChar::LineSeparator) || character == QChar(QChar::ParagraphSeparator);
+}
+
+/// Leaves out the line breaks of what is pasted. They would stay in the value, and nobody would see them.
+class OneLine final : public QValidator {
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& text, int& cursor) const override {
+        cursor -= static_cast<int>(std::count_if(text.cbegin(), text.cbegin() + cursor, isLineBreak));
+        text.removeIf(isLineBreak);
+        return Acceptable;
+    }
+};
+
 }  // namespace
 
 TextField::TextField(QWidget* parent) : QLineEdit(parent) {
     setMaxLength(std::numeric_limits<int>::max());  // the usual limit would cut off a long value
+    setValidator(new OneLine(this));
 }
 
 void TextField::showValue(const QString& value) {

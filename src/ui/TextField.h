@@ -6,7 +6,7 @@
 namespace velmora {
 
 /// A line of text that shows a value kept elsewhere. While the user is in the field it is theirs; a change of the value
-/// shows when they leave. `textEdited` tells what they type. Main thread.
+/// shows when they leave. `textEdited` tells what they type; line breaks of what they paste are left out. Main thread.
 class TextField : public QLineEdit {
     Q_OBJECT
 

@@ -95,6 +95,13 @@ def ends_at_once(desktop, number):
     wait_until(lambda: not any(runs(pid) for pid in pids), "every ssh has ended", timeout=2)
 
 
+def a_standard_error_that_nobody_reads_does_not_end_it(desktop):
+    program, _, _ = started(desktop, [])
+    with open(f"/proc/{program.pid}/status", encoding="ascii") as status:
+        ignored = next(int(line.split()[1], 16) for line in status if line.startswith("SigIgn:"))
+    assert ignored & 1 << signal.SIGPIPE - 1
+
+
 def sigterm_ends_it_in_order(desktop):
     ends_at_once(desktop, signal.SIGTERM)
 
@@ -185,6 +192,7 @@ if __name__ == "__main__":
         a_crash_leaves_nothing_in_the_way,
         a_home_with_a_very_long_path,
         what_the_program_makes_is_private,
+        a_standard_error_that_nobody_reads_does_not_end_it,
         sigterm_ends_it_in_order,
         sigint_ends_it_in_order,
         sighup_ends_it_in_order,

@@ -28,8 +28,10 @@ Paths pathsIn(const std::filesystem::path& directory) {
 }
 
 /// Without an agent, whose keys would be offered first, and without a screen.
-Environment plainEnvironment(const Paths& paths) {
-    return {{"PATH", "/usr/bin:/bin"}, {"HOME", paths.home.string()}, {"LC_ALL", "C"}};
+Environment plainEnvironment(const Paths& paths, const Environment& more) {
+    Environment environment{{"PATH", "/usr/bin:/bin"}, {"HOME", paths.home.string()}, {"LC_ALL", "C"}};
+    environment.insert(more.begin(), more.end());
+    return environment;
 }
 
 ForwardingRule ruleOf(ForwardingType type, std::uint16_t bindPort) {
@@ -49,9 +51,15 @@ ForwardingRule ruleTo(ForwardingType type, std::uint16_t bindPort, std::uint16_t
 
 }  // namespace
 
-TunnelStand::TunnelStand() : TunnelStand(noPasswords_) {}
+TunnelStand::TunnelStand() : TunnelStand(passwords_) {}
 
-TunnelStand::TunnelStand(CredentialStore& credentials) : launcher_(std::make_unique<AsioProcessLauncher>(io_)) {
+TunnelStand::TunnelStand(CredentialStore& credentials) : TunnelStand(credentials, "/usr/bin/ssh", {}) {}
+
+TunnelStand::TunnelStand(std::string sshProgram, const Environment& more)
+    : TunnelStand(passwords_, std::move(sshProgram), more) {}
+
+TunnelStand::TunnelStand(CredentialStore& credentials, std::string sshProgram, const Environment& more)
+    : launcher_(std::make_unique<AsioProcessLauncher>(io_)) {
     const Paths paths = pathsIn(directory_.path());
     manager_ = std::make_unique<TunnelManager>(Platform{.paths = paths,
                                                         .scheduler = scheduler_,
@@ -59,7 +67,8 @@ TunnelStand::TunnelStand(CredentialStore& credentials) : launcher_(std::make_uni
                                                         .runner = runner_,
                                                         .credentials = credentials,
                                                         .defaults = defaults_,
-                                                        .environment = plainEnvironment(paths),
+                                                        .environment = plainEnvironment(paths, more),
+                                                        .sshProgram = std::move(sshProgram),
                                                         .pacPort = 0});
 }
 

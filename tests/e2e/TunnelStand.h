@@ -28,6 +28,8 @@ class TunnelStand final {
 public:
     TunnelStand();
     explicit TunnelStand(CredentialStore& credentials);
+    /// With a program in the place of ssh, and more in its environment.
+    TunnelStand(std::string sshProgram, const Environment& more);
     TunnelStand(const TunnelStand&) = delete;
     TunnelStand& operator=(const TunnelStand&) = delete;
     ~TunnelStand();
@@ -39,6 +41,9 @@ public:
 
     /// Ends manager and launcher, as the program does on its way out.
     void quit();
+
+    /// The passwords of the hosts, unless a store was given.
+    [[nodiscard]] RecordingCredentialStore& passwords() { return passwords_; }
 
     /// Runs the event loop until the condition holds; false when it has not in time.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& condition,
@@ -53,8 +58,10 @@ public:
     [[nodiscard]] static std::vector<pid_t> sshProcesses();
 
 private:
+    TunnelStand(CredentialStore& credentials, std::string sshProgram, const Environment& more);
+
     TemporaryDirectory directory_;
-    RecordingCredentialStore noPasswords_;
+    RecordingCredentialStore passwords_;
     InMemoryDefaultsStore defaults_;
     QtScheduler scheduler_;
     IoThread io_;

@@ -8,6 +8,8 @@
 //   FAKESSH_LAST    bytes for standard error when SIGTERM comes; then it ends with status 255
 //   FAKESSH_IGNORE  ignores SIGTERM
 //   FAKESSH_MISS    misses the first SIGTERM
+//   FAKESSH_FLAP    a file: while it is there, ends by itself after up to eight seconds, in one way or another
+//   FAKESSH_MUTE    closes standard error at once
 //   FAKESSH_HEIR    leaves a process behind that keeps the pipes open; its pid goes to this file
 // Without FAKESSH_EXIT it runs until it is told to end.
 #include <dirent.h>
@@ -17,12 +19,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <random>
 #include <string>
+#include <thread>
 
 extern char** environ;
 
@@ -123,6 +128,32 @@ void missThisOne(int) {
     std::signal(SIGTERM, SIG_DFL);
 }
 
+/// A start in a bad moment: most work for a while, some end at once, some in an odd way.
+void flap() {
+    std::mt19937 random(std::random_device{}());
+    const auto below = [&](unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(random); };
+    const unsigned milliseconds = below(5) == 0 ? below(3000) : 3000 + below(5000);
+    if (below(10) == 0) {
+        std::signal(SIGTERM, missThisOne);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    switch (below(5)) {
+        case 0:
+            ::close(STDERR_FILENO);
+            break;
+        case 1:
+            ::kill(::getpid(), SIGKILL);
+            break;
+        case 2:
+            say("debug1: " + std::string(100000, 'x') + "\n");
+            break;
+        default:
+            say("Connection closed by remote host\n");
+            break;
+    }
+    ::_exit(255);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -142,7 +173,13 @@ int main(int argc, char** argv) {
     if (const auto path = setting("FAKESSH_HEIR"); !path.empty()) {
         leaveHeir(path);
     }
+    if (!setting("FAKESSH_MUTE").empty()) {
+        ::close(STDERR_FILENO);
+    }
     say(setting("FAKESSH_SAY"));
+    if (const auto path = setting("FAKESSH_FLAP"); !path.empty() && ::access(path.c_str(), F_OK) == 0) {
+        flap();
+    }
     if (const auto flood = setting("FAKESSH_FLOOD"); !flood.empty()) {
         const std::string block(65536, 'x');
         for (auto left = std::stoull(flood); left > 0; left -= std::min<unsigned long long>(left, block.size())) {

@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <condition_variable>
 #include <csignal>
 #include <fstream>
@@ -290,6 +291,20 @@ TEST_F(ProcessLauncherTest, AProgramStartedWithoutStreamsStartsOthersWithTheirs)
     EXPECT_EQ(dumped("input "), "open");
     ::kill(parent, SIGKILL);
     ::waitpid(parent, nullptr, 0);
+}
+
+TEST_F(ProcessLauncherTest, AProgramWhoseStandardErrorNobodyReadsRunsOn) {
+    const pid_t program = ::fork();
+    if (program == 0) {
+        auto pipe = makePipe();
+        pipe->reading.reset();
+        ::signal(SIGPIPE, SIG_DFL);
+        ignoreBrokenPipes();
+        ::_exit(::write(pipe->writing.get(), "a warning\n", 10) < 0 && errno == EPIPE ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(program, &status, 0);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(ProcessLauncherTest, NothingIsLeftOfManyProcesses) {

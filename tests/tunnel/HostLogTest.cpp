@@ -1,8 +1,13 @@
+#include "base/UniqueFd.h"
 #include "fakes/TemporaryDirectory.h"
 #include "tunnel/HostLog.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdint>
 
 namespace velmora {
 namespace {
@@ -29,6 +34,38 @@ TEST(HostLog, WhatCannotBeWrittenIsIgnored) {
     appendToLog(directory.path(), "a folder");
     appendToLog(directory / "none" / "a.log", "no folder");
     EXPECT_FALSE(std::filesystem::exists(directory / "none"));
+}
+
+TEST(HostLog, AFifoIsNoLogEvenWhenSomebodyReadsIt) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(::mkfifo((directory / "fifo.log").c_str(), 0600), 0);
+    const UniqueFd reader(::open((directory / "fifo.log").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    appendToLog(directory / "fifo.log", "who writes here ends with the reader");
+    char byte = 0;
+    EXPECT_EQ(::read(reader.get(), &byte, 1), 0);
+}
+
+TEST(HostLog, ANameWithAZeroByteHasNoLogAndNamesNoOtherFile) {
+    const TemporaryDirectory directory;
+    writeContent(directory / "precious", "mine");
+    appendToLog(hostLogPath(directory.path(), std::string("precious\0x", 10)), "ssh said this\n");
+    EXPECT_EQ(contentOf(directory / "precious"), "mine");
+}
+
+TEST(HostLog, AReasonThatIsLongEnoughIsNotReadToItsEnd) {
+    const TemporaryDirectory directory;
+    for (const std::string before : {"", "debug1: not this one\n"}) {
+        const auto file = directory / "a.log";
+        writeContent(file, before + std::string(5000, 'x'));
+        std::filesystem::resize_file(file, std::uintmax_t{1} << 40);  // a hole, which takes no room but is long to read
+        EXPECT_EQ(exitReason(file, 1), std::string(4096, 'x'));
+    }
+}
+
+TEST(HostLog, ALongLineThatIsNoReasonIsLeftOutWhole) {
+    const TemporaryDirectory directory;
+    writeContent(directory / "a.log", "debug1: " + std::string(200000, 'x') + "\nthe reason\n");
+    EXPECT_EQ(exitReason(directory / "a.log", 1), "the reason");
 }
 
 struct ReasonCase {

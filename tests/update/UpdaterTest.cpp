@@ -206,6 +206,23 @@ TEST_F(UpdaterTest, AClockThatWasSetBackDoesNotSilenceTheChecks) {
     EXPECT_EQ(worker.waiting(), 1U);
 }
 
+TEST_F(UpdaterTest, ChecksGoOnForMonthsWhateverTheClockSays) {
+    feedOffers("1.9.3");
+    updater->start();
+    scheduler.advance(seconds(5));
+    settle();
+    std::size_t checks = 1;
+    for (const auto jump : {hours(-24), hours(24), hours(24), hours(-48)}) {
+        scheduler.shiftClock(jump);
+        for (int sixHours = 0; sixHours < 4 * 50; ++sixHours) {
+            scheduler.advance(hours(6));
+            settle();
+            ASSERT_EQ(http.requests.size(), ++checks);
+        }
+    }
+    EXPECT_EQ(*updater->lastCheck(), scheduler.now());
+}
+
 TEST_F(UpdaterTest, ANewerVersionIsOffered) {
     feedOffers("2.0");
     checkManually();

@@ -7,6 +7,7 @@
 #include <boost/asio/error.hpp>
 #include <boost/asio/posix/basic_stream_descriptor.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/system/system_error.hpp>
 #include <sys/ioctl.h>
 
 #include <algorithm>
@@ -16,6 +17,7 @@
 #include <csignal>
 #include <future>
 #include <mutex>
+#include <tuple>
 #include <unordered_set>
 
 namespace velmora {
@@ -59,11 +61,14 @@ public:
     Child(asio::io_context& context, SpawnedProcess process, UniqueFd standardOutput, UniqueFd standardError,
           ProcessEvents events, const std::shared_ptr<Children>& siblings)
         : pid_(process.pid),
-          exit_(context, process.exitDescriptor.release()),
-          standardError_(context, standardError.release()),
+          exit_(context),
+          standardError_(context),
           standardOutput_(std::move(standardOutput)),
           events_(std::move(events)),
-          siblings_(siblings) {}
+          siblings_(siblings) {
+        take(exit_, std::move(process.exitDescriptor));
+        take(standardError_, std::move(standardError));
+    }
 
     void start() {
         waitForOutput();
@@ -87,6 +92,12 @@ public:
     }
 
 private:
+    /// Throws when the system cannot watch one more.
+    static void take(Descriptor& descriptor, UniqueFd fd) {
+        descriptor.assign(fd.get());
+        std::ignore = fd.release();
+    }
+
     void waitForOutput() {
         standardError_.async_wait(Descriptor::wait_read,
                                   [self = shared_from_this()](const boost::system::error_code& error) {
@@ -229,11 +240,18 @@ Result<std::unique_ptr<ChildProcess>, Error> AsioProcessLauncher::launch(Process
     if (!process) {
         return process.error();
     }
-    auto child = std::make_shared<Child>(io_.context(), *std::move(process), std::move(output->reading),
-                                         std::move(error->reading), std::move(events), children_);
-    children_->add(child);
-    asio::post(io_.context(), [child] { child->start(); });
-    return std::unique_ptr<ChildProcess>(std::make_unique<Handle>(std::move(child)));
+    const pid_t pid = process->pid;
+    try {
+        auto child = std::make_shared<Child>(io_.context(), *std::move(process), std::move(output->reading),
+                                             std::move(error->reading), std::move(events), children_);
+        children_->add(child);
+        asio::post(io_.context(), [child] { child->start(); });
+        return std::unique_ptr<ChildProcess>(std::make_unique<Handle>(std::move(child)));
+    } catch (const boost::system::system_error& unwatched) {
+        ::kill(pid, SIGKILL);  // it has done nothing yet, and nobody would hear of its end
+        reap(pid);
+        return Error{unwatched.code().message()};
+    }
 }
 
 }  // namespace velmora

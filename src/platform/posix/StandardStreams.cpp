@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <csignal>
+
 namespace velmora {
 
 void openMissingStandardStreams() {
@@ -15,6 +17,10 @@ void openMissingStandardStreams() {
             return;
         }
     }
+}
+
+void ignoreBrokenPipes() {
+    ::signal(SIGPIPE, SIG_IGN);
 }
 
 }  // namespace velmora
