@@ -52,7 +52,8 @@ class Bars:
             kind = "ours" if name.startswith("Velmora") else "other"
             drawn.append(_text(left + LABELS - 8, y + 11, name, "end"))
             if value is not None:
-                drawn.append(f'<rect x="{left + LABELS}" y="{y}" width="{width:.1f}" height="{BAR}" rx="2" class="{kind}"/>')
+                drawn.append(f'<rect x="{left + LABELS}" y="{y}" width="{width:.1f}" height="{BAR}" rx="2" '
+                             f'class="{kind}"/>')
             drawn.append(_text(left + LABELS + width + 6, y + 11, words))
         return drawn
 
@@ -111,6 +112,7 @@ def draw(panels, columns=2):
     width = 2 * MARGIN + columns * PANEL_WIDTH + (columns - 1) * GAP
     height = top - 22 + MARGIN // 2
     return "\n".join([
-        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" height="{height}" role="img">',
+        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" '
+        f'height="{height}" role="img">',
         "<title>Velmora beside other programs</title>", f"<style>{STYLE}</style>",
         f'<rect class="page" x="0.5" y="0.5" width="{width - 1}" height="{height - 1}" rx="6"/>', *drawn, "</svg>", ""])

@@ -5,7 +5,7 @@ import subprocess
 import tempfile
 import time
 
-from . import stand
+from . import processes, stand, supervisors
 
 SETTLE = 12  # seconds; by then windows are painted and the first look for updates is over
 TUNNELS_OF_SLOPE = 500
@@ -13,9 +13,9 @@ TUNNELS_OF_SLOPE = 500
 
 def measure(programs, tunnels, seconds, say):
     arms = {
-        "velmora": lambda directory, *where: stand.Velmora(programs / "velmora", *where),
-        "velmora-window": lambda directory, *where: stand.Velmora(programs / "velmora", *where, tray=False),
-        "autossh": stand.autossh,
+        "velmora": lambda directory, *where: supervisors.Velmora(programs / "velmora", *where),
+        "velmora-window": lambda directory, *where: supervisors.Velmora(programs / "velmora", *where, tray=False),
+        "autossh": supervisors.autossh,
     }
     results = {"tunnels": tunnels, "seconds": seconds, "arms": {}}
     echo = stand.Echo()
@@ -46,19 +46,19 @@ def _watch(supervisor, forwardings, seconds):
             raise RuntimeError("a tunnel does not come up")
     time.sleep(SETTLE)
     own = supervisor.pids()
-    ssh = stand.ssh_below(own)
+    ssh = processes.ssh_below(own)
     if len(ssh) != len(forwardings):
         raise RuntimeError(f"{len(ssh)} ssh for {len(forwardings)} tunnels")
     result = {"processes": len(own),
               "pss_kb": _sum(own, "Pss"), "private_kb": _sum(own, "Private_Dirty"), "ssh_pss_kb": _sum(ssh, "Pss")}
-    before = [sum(map(stand.wake_ups, pids)) for pids in (own, ssh)]
+    before = [processes.sleeps(pids) for pids in (own, ssh)]
     time.sleep(seconds)
-    after = [sum(map(stand.wake_ups, pids)) for pids in (own, ssh)]
-    result["wake_ups"], result["ssh_wake_ups"] = (late - early for early, late in zip(before, after))
-    if set(ssh) != set(stand.ssh_below(own)):
+    after = [processes.sleeps(pids) for pids in (own, ssh)]
+    result["wake_ups"], result["ssh_wake_ups"] = map(processes.wake_ups, before, after)
+    if set(ssh) != set(processes.ssh_below(own)):
         raise RuntimeError("a tunnel broke while it was watched")
     return result
 
 
 def _sum(pids, kind):
-    return sum(stand.memory(pid, kind) for pid in pids)
+    return sum(processes.memory(pid, kind) for pid in pids)

@@ -3,13 +3,13 @@
 import re
 import subprocess
 
-from . import stand
+from .supervisors import BENCH
 
 PYTHON = "/usr/bin/python3"  # the one that has the system's bindings
 
 
 def _report(script, *arguments, may_be=(0,)):
-    done = subprocess.run([PYTHON, stand.BENCH / script, *map(str, arguments)], stdout=subprocess.PIPE, text=True,
+    done = subprocess.run([PYTHON, BENCH / script, *map(str, arguments)], stdout=subprocess.PIPE, text=True,
                           check=False)
     if done.returncode not in may_be:
         raise RuntimeError(f"{script} ended with status {done.returncode}")

@@ -1,7 +1,7 @@
 """How long a tunnel carries nothing after its connection was cut: velmora, autossh, and loops as in units of systemd.
 
-All have the same sshd and start ssh with the same arguments. A cut kills sshd's process of that connection, so that each
-ssh sees its connection closed at that moment.
+All have the same sshd and start ssh with the same arguments. A cut kills sshd's process of that connection, so that
+each ssh sees its connection closed at that moment.
 """
 
 import contextlib
@@ -10,7 +10,7 @@ import tempfile
 import threading
 import time
 
-from . import stand
+from . import processes, stand, supervisors
 
 BETWEEN = 4  # seconds from carrying bytes again to the next cut; a tunnel of Velmora's counts as connected after three
 LONG = 75  # seconds; who is not back by then is not waited for
@@ -18,11 +18,11 @@ SETTLED = 65  # seconds; a connection that lasted a minute counts as a good one 
 ALONE = 5
 
 PEERS = {
-    "velmora": lambda programs, directory, *where: stand.Velmora(programs / "velmora", *where),
-    "autossh": lambda programs, *where: stand.autossh(*where),
-    "loop-100ms": lambda programs, *where: stand.restart_loop(*where, 0.1),
-    "loop-100ms-unlimited": lambda programs, *where: stand.restart_loop(*where, 0.1, limit=0),
-    "loop-5s": lambda programs, *where: stand.restart_loop(*where, 5),
+    "velmora": lambda programs, directory, *where: supervisors.Velmora(programs / "velmora", *where),
+    "autossh": lambda programs, *where: supervisors.autossh(*where),
+    "loop-100ms": lambda programs, *where: supervisors.restart_loop(*where, 0.1),
+    "loop-100ms-unlimited": lambda programs, *where: supervisors.restart_loop(*where, 0.1, limit=0),
+    "loop-5s": lambda programs, *where: supervisors.restart_loop(*where, 5),
 }
 CUT_ONE_BY_ONE = ("velmora", "autossh", "loop-100ms", "loop-5s")  # the start limit makes no difference there
 
@@ -39,7 +39,8 @@ def measure(programs, cuts, away, say):
         results["gate_ends_autossh"] = _ends_at_the_gate(directory, sshd, echo)
         say(f"autossh ends when its first connection is cut soon: {results['gate_ends_autossh']}")
 
-        # Each keeps two tunnels: one is cut again and again, the other has been up for a while when the server goes away.
+        # Each keeps two tunnels: one is cut again and again, the other has been up for a while when the server goes
+        # away.
         busy, quiet = {}, {}
         for name, start in PEERS.items():
             ports = stand.free_ports(2)
@@ -75,7 +76,7 @@ class Tunnel:
         times = []
         for _ in range(cuts):
             time.sleep(BETWEEN)
-            moment = self._sshd.cut(stand.ssh_of(self.peer.pids(), self.port))
+            moment = self._sshd.cut(processes.ssh_of(self.peer.pids(), self.port))
             back = self.wait()
             times.append(back and back - moment)
             if not back:
@@ -117,8 +118,8 @@ def _go_away(sshd, tunnels, away):
 def _alone(sshd, echo):
     port = stand.free_ports(1)[0]
     start = time.monotonic()
-    with subprocess.Popen([stand.SSH, *stand.ssh_arguments(sshd, [(port, echo.port)])], stdin=subprocess.DEVNULL,
-                          stderr=subprocess.DEVNULL) as process:
+    command = [supervisors.SSH, *supervisors.ssh_arguments(sshd, [(port, echo.port)])]
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
         back = stand.wait_until_carries(port)
         process.kill()
     return back - start
@@ -126,7 +127,7 @@ def _alone(sshd, echo):
 
 def _ends_at_the_gate(directory, sshd, echo):
     port = stand.free_ports(1)[0]
-    peer = stand.autossh(directory, sshd, [(port, echo.port)], gate=True)
+    peer = supervisors.autossh(directory, sshd, [(port, echo.port)], gate=True)
     try:
         tunnel = Tunnel(peer, port, sshd)
         if not tunnel.wait():
