@@ -6,6 +6,7 @@ from statistics import median
 
 from . import chart
 
+QUIET = 0.5  # above this load somebody else was at work
 NAMES = {
     "velmora": "Velmora",
     "velmora-window": "Velmora, its window open",
@@ -108,6 +109,7 @@ def _beside(figures, value):
 def _head(results):
     machine = max(results.values(), key=lambda section: section["date"])["machine"]
     dates = sorted({section["date"] for section in results.values()})
+    load = max(section["load"] for section in results.values())
     rows = [
         ("date", " to ".join(sorted({dates[0], dates[-1]}))),
         ("machine", f"{'virtual machine, ' if machine['virtual'] else ''}{machine['processor']}, "
@@ -116,6 +118,8 @@ def _head(results):
         ("Velmora", f"{machine['velmora']}, release build, Qt {machine['qt']}"),
         ("beside it", f"autossh {machine['autossh']}, nginx {machine['nginx']}, {machine['openssh']}; "
                       "Debian's packages"),
+        ("other work", f"load {load:.1f} before the start" +
+         ("" if load <= QUIET else "; **so much that the times and rates are worth little**")),
     ]
     return ["# Performance\n", _paragraph("""
         Velmora beside what else keeps tunnels up, serves a proxy script or opens a window: measured in one run each, on
