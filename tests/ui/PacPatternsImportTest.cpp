@@ -28,7 +28,6 @@ protected:
         host.forwardingRules.push_back({.type = ForwardingType::dynamic, .bindPort = 21000});
         stand.setHosts({host});
         window = new SettingsView(stand.services);
-        window->show();
     }
     ~PacPatternsImportTest() override { delete window; }
 
