@@ -46,10 +46,6 @@ HostTabsView::HostTabsView(WindowServices& services, HostBinding& host, Observab
     });
 }
 
-int HostTabsView::tab() const {
-    return pages_->currentIndex();
-}
-
 void HostTabsView::setTab(int tab) {
     picker_->setCurrentIndex(tab);
     pages_->setCurrentIndex(tab);

@@ -24,7 +24,6 @@ public:
                  QWidget* parent = nullptr);
 
     /// 0 General, 1 Connection, 2 Advanced.
-    [[nodiscard]] int tab() const;
     void setTab(int tab);
 
     /// Of the General tab.

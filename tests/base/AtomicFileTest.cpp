@@ -135,6 +135,11 @@ TEST(ReadFile, RefusesWhatIsNoFile) {
     EXPECT_THAT(readFile(directory / "none", 10).error().message, HasSubstr("none: No such file"));
 }
 
+TEST(ReadFile, RefusesWhatHasAnotherSizeThanItSays) {
+    EXPECT_THAT(readFile("/proc/self/status", 10000).error().message, HasSubstr("status: changed while it was read"))
+        << "it says that it is empty";
+}
+
 TEST(PrivateDirectory, MakesWhatIsMissingAndKeepsWhatIsThere) {
     const TemporaryDirectory directory;
     fs::create_directory(directory / "there");
@@ -146,6 +151,8 @@ TEST(PrivateDirectory, MakesWhatIsMissingAndKeepsWhatIsThere) {
     ASSERT_TRUE(createPrivateDirectory(directory / "there" / "a" / "b"));
     writeContent(directory / "file", "");
     EXPECT_FALSE(createPrivateDirectory(directory / "file" / "below"));
+    EXPECT_THAT(createPrivateDirectory(directory / "file" / "below" / "that").error().message,
+                HasSubstr("file/below: Not a directory"));
 }
 
 }  // namespace

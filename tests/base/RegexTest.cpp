@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <string>
 #include <vector>
@@ -124,6 +125,23 @@ TEST_F(BoundedSearch, EndsASearchOfManySlowMatches) {
         EXPECT_LT(matches.size(), 100000U);
         EXPECT_GT(matches.size(), 0U);
     });
+}
+
+TEST_F(BoundedSearch, EndsASearchOfManyQuickMatches) {
+    auto regex = Regex::compile("a", milliseconds(0));
+    ASSERT_TRUE(regex);
+    EXPECT_THAT(regex->findAll("aaa"), testing::SizeIs(1)) << "ICU does not look at the time within so short a match";
+}
+
+TEST_F(BoundedSearch, LeavesTextsAloneThatAreLongerThanIcuCanCount) {
+    constexpr std::size_t size = std::size_t{1} << 30;
+    // Room that nobody has written to takes no memory.
+    void* room = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(room, MAP_FAILED);
+    const std::string_view text(static_cast<const char*>(room), size);
+    EXPECT_EQ(Regex::compile(text).error().message, "regular expression too long");
+    EXPECT_THAT(findAll("^", text), IsEmpty());
+    ::munmap(room, size);
 }
 
 TEST_F(BoundedSearch, CountsAMatchThatRunsOutOfStackAsNone) {

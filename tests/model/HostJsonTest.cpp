@@ -147,6 +147,18 @@ TEST(HostJson, WritesEveryKeyInTheOrderOfTheFieldsCompactly) {
     EXPECT_EQ(*encodeHosts({}), "[]");
 }
 
+TEST(HostJson, EveryControlCharacterIsWrittenInItsShortestForm) {
+    SSHHost host;
+    for (char c = 0; c < 0x20; ++c) {
+        host.customOptions += c;
+    }
+    const auto json = *encodeHosts({host});
+    EXPECT_THAT(json, HasSubstr(R"(:"\u0000\u0001\u0002\u0003\u0004\u0005\u0006\u0007\b\t\n\u000b\f\r\u000e\u000f)"
+                                R"(\u0010\u0011\u0012\u0013\u0014\u0015\u0016\u0017\u0018\u0019\u001a\u001b\u001c)"
+                                R"(\u001d\u001e\u001f")"));
+    EXPECT_EQ(decodeHosts(json)->at(0), host);
+}
+
 TEST(HostJson, TextThatIsNotUtf8IsNotWritten) {
     SSHHost host;
     host.name = "\xFF";

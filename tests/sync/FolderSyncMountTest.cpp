@@ -20,7 +20,7 @@ public:
     explicit SmallFileSystem(fs::path where) : where_(std::move(where)) {
         fs::create_directory(where_);
         mounted_ = mayMount() && ::unshare(CLONE_NEWNS) == 0 &&
-                   ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                   ::mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
                    ::mount("none", where_.c_str(), "tmpfs", 0, "size=64k") == 0;
     }
     SmallFileSystem(const SmallFileSystem&) = delete;

@@ -1,4 +1,5 @@
 #include "base/Uuid.h"
+#include "fakes/ResourceLimit.h"
 #include "fakes/TemporaryDirectory.h"
 #include "tunnel/AskpassScript.h"
 
@@ -7,6 +8,7 @@
 #include <sys/wait.h>
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <regex>
@@ -86,6 +88,17 @@ TEST(AskpassScript, ANewOneInThePlaceOfAnotherLeavesOne) {
 TEST(AskpassScript, WithoutAFolderThereIsNone) {
     const TemporaryDirectory directory;
     EXPECT_FALSE(writeAskpassScript(directory / "none", "x"));
+}
+
+TEST(AskpassScript, OnAFullDiskThereIsNoneAndNoPieceOfIt) {
+    const TemporaryDirectory directory;
+    ::signal(SIGXFSZ, SIG_IGN);
+    {
+        const ResourceLimit noMoreThan(RLIMIT_FSIZE, 10);
+        EXPECT_FALSE(writeAskpassScript(directory.path(), "x"));
+    }
+    ::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
 }
 
 TEST(AbandonedAskpassScripts, AreRemovedAndLivingOnesStay) {

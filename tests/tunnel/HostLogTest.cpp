@@ -1,4 +1,5 @@
 #include "base/UniqueFd.h"
+#include "fakes/ResourceLimit.h"
 #include "fakes/TemporaryDirectory.h"
 #include "tunnel/HostLog.h"
 
@@ -7,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdint>
 
 namespace velmora {
@@ -66,6 +68,19 @@ TEST(HostLog, ALongLineThatIsNoReasonIsLeftOutWhole) {
     const TemporaryDirectory directory;
     writeContent(directory / "a.log", "debug1: " + std::string(200000, 'x') + "\nthe reason\n");
     EXPECT_EQ(exitReason(directory / "a.log", 1), "the reason");
+}
+
+TEST(HostLog, OnAFullDiskItHoldsWhatHadRoom) {
+    const TemporaryDirectory directory;
+    ::signal(SIGXFSZ, SIG_IGN);
+    {
+        const ResourceLimit noMoreThan(RLIMIT_FSIZE, 10);
+        appendToLog(directory / "a.log", "ssh: first line\n");
+        appendToLog(directory / "a.log", "ssh: second line\n");
+    }
+    ::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(contentOf(directory / "a.log"), "ssh: first");
+    EXPECT_EQ(exitReason(directory / "a.log", 255), "ssh: first");
 }
 
 struct ReasonCase {

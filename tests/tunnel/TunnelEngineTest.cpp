@@ -1,4 +1,5 @@
 #include "fakes/FakeProcessLauncher.h"
+#include "fakes/ResourceLimit.h"
 #include "fakes/TemporaryDirectory.h"
 #include "fakes/VirtualScheduler.h"
 #include "tunnel/HostLog.h"
@@ -141,6 +142,19 @@ TEST_F(TunnelEngineTest, ALaunchFailureIsShownAndNotRetried) {
     EXPECT_EQ(launcher_.count(), 0U);
     engine_.toggle(host);
     EXPECT_EQ(launcher_.count(), 1U);
+    EXPECT_EQ(status(host), connecting);
+}
+
+TEST_F(TunnelEngineTest, ALackOfDescriptorsIsShownAndNotRetried) {
+    const auto& host = addHost("a");
+    {
+        const ResourceLimit none(RLIMIT_NOFILE, 0);
+        engine_.connect(host);
+    }
+    EXPECT_EQ(status(host), ConnectionStatus::error("Too many open files"));
+    scheduler_.advance(1h);
+    EXPECT_EQ(launcher_.count(), 0U);
+    engine_.connect(host);
     EXPECT_EQ(status(host), connecting);
 }
 

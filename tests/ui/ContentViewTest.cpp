@@ -224,6 +224,19 @@ TEST_F(ContentViewTest, TheNotificationShowsTheSheetOfANewHostOnce) {
     EXPECT_EQ(sheets().size(), 1);
 }
 
+TEST_F(ContentViewTest, AHostFromTheSheetIsAddedSavedAndSelected) {
+    openWith({"a"});
+    stand.commands.newTunnel();
+    sheets()[0]->findChild<QLineEdit*>(QStringLiteral("hostname"))->setFocus();
+    QTest::keyClicks(sheets()[0]->findChild<QLineEdit*>(QStringLiteral("hostname")), QStringLiteral("new.example"));
+    sheets()[0]->findChild<QPushButton*>(QStringLiteral("create"))->click();
+    ASSERT_EQ(stand.manager.hosts().get().size(), 2U);
+    EXPECT_EQ(stand.host(1).hostname, "new.example");
+    EXPECT_EQ(list().currentIndex().row(), 1);
+    EXPECT_EQ(TunnelManager(stand.platform()).hosts().get(), stand.manager.hosts().get())
+        << "as a new start reads them";
+}
+
 // ---- places ----
 
 TEST_F(ContentViewTest, RemembersItsSize) {

@@ -1,7 +1,10 @@
 #include "ui/ElidedLabel.h"
 
+#include <QAction>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -42,6 +45,18 @@ TEST_F(ElidedLabelTest, WhatIsCopiedIsTheWhole) {
     label.resize(label.sizeHint().width() / 2, label.height());
     QGuiApplication::clipboard()->clear();
     QTest::keySequence(&label, QKeySequence::Copy);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), text);
+}
+
+TEST_F(ElidedLabelTest, ItsMenuCopiesTheWhole) {
+    label.resize(label.sizeHint().width() / 2, label.height());
+    QGuiApplication::clipboard()->clear();
+    QContextMenuEvent asked(QContextMenuEvent::Mouse, QPoint(1, 1), label.mapToGlobal(QPoint(1, 1)));
+    QCoreApplication::sendEvent(&label, &asked);
+    auto* menu = label.findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    ASSERT_EQ(menu->actions().size(), 1);
+    menu->actions().constFirst()->trigger();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), text);
 }
 

