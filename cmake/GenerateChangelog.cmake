@@ -1,10 +1,16 @@
-# Writes the list of changes that the About box shows, from the changelog.
+# Writes the list of changes that the About box shows, or one that a package holds, from the changelog.
 #
-#   cmake -DINPUT=CHANGELOG.md -DOUTPUT=Changelog.cpp -DVERSION=1.15.0 -P GenerateChangelog.cmake
+#   cmake -DFORMAT=cpp -DINPUT=CHANGELOG.md -DOUTPUT=Changelog.cpp -DVERSION=1.15.0 -P GenerateChangelog.cmake
 #
+# FORMAT is one of the files in changelog/; each says what it makes and what else it wants to know.
 # Stops at the first line that is not understood. The newest entry is that of VERSION; versions and dates fall from entry
 # to entry; every entry has a change; changes are plain text.
 cmake_minimum_required(VERSION 3.25)
+
+# What a format defines: format_change() appends the text `change`, format_entry() the entry of `version` and `date`, number
+# `count`, with its `changes`; format_file() writes OUTPUT. Texts hold the control characters below; plain() returns them as
+# they were.
+include(${CMAKE_CURRENT_LIST_DIR}/changelog/${FORMAT}.cmake)
 
 set(line_number 0)
 macro(refuse reason)
@@ -16,6 +22,11 @@ string(ASCII 1 semicolon)
 string(ASCII 2 open)
 string(ASCII 3 close)
 string(ASCII 4 backslash)
+function(plain text result)
+  string(REPLACE "${semicolon}" ";" text "${text}")
+  string(REPLACE "${backslash}" "\\" text "${text}")
+  set(${result} "${text}" PARENT_SCOPE)
+endfunction()
 file(READ ${INPUT} text)
 string(REPLACE ";" "${semicolon}" text "${text}")
 string(REPLACE "[" "${open}" text "${text}")
@@ -30,20 +41,15 @@ set(heading "^## ${open}(${number}\\.${number}\\.${number})${close} - \
 
 set(count 0)  # of entries
 set(change "")
-set(changes "")  # of the entry, as C++
+set(changes "")  # of the entry, in the format
 set(change_count 0)
-set(arrays "")
-set(entries "")
 
 macro(finish_change)
   if(NOT change STREQUAL "")
     if(change MATCHES "[`*]|${open}|${close}")
       refuse("a change is plain text, without markup: ${change}")
     endif()
-    string(REPLACE "${backslash}" "\\\\" change "${change}")
-    string(REPLACE "\"" "\\\"" change "${change}")
-    string(REPLACE "${semicolon}" "\\073" change "${change}")
-    string(APPEND changes "    \"${change}\",\n")
+    format_change()
     math(EXPR change_count "${change_count} + 1")
     set(change "")
   endif()
@@ -55,8 +61,7 @@ macro(finish_entry)
     if(change_count EQUAL 0)
       refuse("version ${version} has no change")
     endif()
-    string(APPEND arrays "constexpr std::array<std::string_view, ${change_count}> changes${count}{\n${changes}};\n")
-    string(APPEND entries "    {\"${version}\", \"${date}\", changes${count}},\n")
+    format_entry()
   endif()
   set(changes "")
   set(change_count 0)
@@ -97,25 +102,4 @@ finish_entry()
 if(count EQUAL 0)
   refuse("no entry at all")
 endif()
-
-file(
-  WRITE ${OUTPUT}
-  "// Made from CHANGELOG.md by cmake/GenerateChangelog.cmake.
-#include \"ui/Changelog.h\"
-
-#include <array>
-
-namespace velmora {
-
-namespace {
-
-${arrays}
-constexpr std::array<ChangelogEntry, ${count}> entries{{
-${entries}}};
-
-}  // namespace
-
-constinit const std::span<const ChangelogEntry> changelog = entries;
-
-}  // namespace velmora
-")
+format_file()

@@ -38,6 +38,13 @@ if(VELMORA_SANITIZE)
   target_link_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE})
 endif()
 
+# What is shipped is built as distributions build their own programs: checked copies and formats, a guarded stack, and no
+# table of addresses that can be written to once the program runs.
+set(shipped $<AND:$<CONFIG:Release>,$<PLATFORM_ID:Linux>>)
+target_compile_options(
+  velmora_flags INTERFACE "$<${shipped}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong;-fstack-clash-protection>")
+target_link_options(velmora_flags INTERFACE "$<${shipped}:LINKER:-z,relro,-z,now>")
+
 # velmora_library(name DIR folder SOURCES … LINKS … [PRIVATE_LINKS …])
 function(velmora_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})

@@ -14,7 +14,7 @@ set(failed FALSE)
 function(expect outcome reason text)
   file(WRITE ${folder}/CHANGELOG.md "${text}")
   execute_process(
-    COMMAND ${CMAKE_COMMAND} -DINPUT=${folder}/CHANGELOG.md -DOUTPUT=${folder}/out.cpp -DVERSION=1.1.0 -P ${script}
+    COMMAND ${CMAKE_COMMAND} -DFORMAT=cpp -DINPUT=${folder}/CHANGELOG.md -DOUTPUT=${folder}/out.cpp -DVERSION=1.1.0 -P ${script}
     RESULT_VARIABLE result
     OUTPUT_QUIET ERROR_VARIABLE said)
   if(result EQUAL 0)
@@ -31,14 +31,55 @@ endfunction()
 set(good "# Changelog\n\nWords.\n\n## [1.1.0] - 2026-02-01\n\n### Added\n\n- One\n  and more.\n- Two; \"three\" \\ four.\n\n\
 ## [1.0.0] - 2026-01-31\n\n- First.\n")
 expect(accepted "well formed" "${good}")
-file(READ ${folder}/out.cpp made)
-foreach(words IN ITEMS "\"One and more.\"" "\"Two\\073 \\\"three\\\" \\\\ four.\"" "{\"1.0.0\", \"2026-01-31\", changes2}")
-  string(FIND "${made}" "${words}" position)
-  if(position EQUAL -1)
-    message("not written: ${words}")
-    set(failed TRUE)
-  endif()
+
+# expect_in(file text…): that the file holds each of the texts.
+function(expect_in file)
+  file(READ ${folder}/${file} made)
+  foreach(words IN LISTS ARGN)
+    string(FIND "${made}" "${words}" position)
+    if(position EQUAL -1)
+      message("not written to ${file}: ${words}")
+      set(failed TRUE PARENT_SCOPE)
+    endif()
+  endforeach()
+endfunction()
+expect_in(out.cpp "\"One and more.\"" "\"Two\\073 \\\"three\\\" \\\\ four.\"" "{\"1.0.0\", \"2026-01-31\", changes2}")
+
+# What packages hold, from the same text with a longer change; the dates are a leap day and the day after it.
+string(REPLACE "- First.\n" "- First <b>&</b> a change that is longer than a line of Debian's may be; it goes on.\n- At http://a.example/b.\n" text "${good}")
+string(REPLACE "2026-02-01" "2024-03-01" text "${text}")
+string(REPLACE "2026-01-31" "2024-02-29" text "${text}")
+file(WRITE ${folder}/CHANGELOG.md "${text}")
+file(WRITE ${folder}/template "<releases>\n@RELEASES@</releases>\n")
+foreach(format IN ITEMS debian appstream)
+  execute_process(
+    COMMAND ${CMAKE_COMMAND} -DFORMAT=${format} -DINPUT=${folder}/CHANGELOG.md -DOUTPUT=${folder}/${format} -DVERSION=1.1.0
+            -DPACKAGE=velmora -DREVISION=1 "-DMAINTAINER=A B <a@b.example>" -DTEMPLATE=${folder}/template -P ${script}
+    COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
+file(WRITE ${folder}/debian.expected "velmora (1.1.0-1) unstable; urgency=medium
+
+  * One and more.
+  * Two; \"three\" \\ four.
+
+ -- A B <a@b.example>  Fri, 01 Mar 2024 12:00:00 +0000
+
+velmora (1.0.0-1) unstable; urgency=medium
+
+  * First <b>&</b> a change that is longer than a line of Debian's may be; it
+    goes on.
+  * At http://a.example/b.
+
+ -- A B <a@b.example>  Thu, 29 Feb 2024 12:00:00 +0000
+")
+execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${folder}/debian ${folder}/debian.expected RESULT_VARIABLE differs)
+if(differs)
+  file(READ ${folder}/debian made)
+  message("Debian's changelog is\n${made}")
+  set(failed TRUE)
+endif()
+expect_in(appstream "<releases>\n    <release version=\"1.1.0\" date=\"2024-03-01\">" "<li>One and more.</li>"
+          " \"three\" \\ four.</li>" "<li>First &lt;b&gt;&amp;&lt;/b&gt; a change" "<li>At a.example/b.</li>" "</release>\n</releases>")
 
 function(expect_refusal_with reason find replacement)
   string(REPLACE "${find}" "${replacement}" text "${good}")

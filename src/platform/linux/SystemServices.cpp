@@ -26,7 +26,7 @@ std::filesystem::path runningProgram() {
 
 /// The program's own libraries have the same place beside its folder wherever it is: in a build, a package, a bundle.
 std::filesystem::path moduleFile(const char* name) {
-    return runningProgram().parent_path().parent_path() / "lib/velmora" / name;
+    return runningProgram().parent_path().parent_path() / VELMORA_MODULE_FOLDER / name;
 }
 
 }  // namespace

@@ -1,0 +1,58 @@
+# The changelog as Debian's packages hold it. Wants PACKAGE, REVISION (the "1" of 1.15.0-1) and MAINTAINER.
+
+set(entries "")
+set(month_names Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec)
+set(day_names Sun Mon Tue Wed Thu Fri Sat)
+set(widest 78)
+
+# Breaks the change into lines of `widest` characters.
+macro(format_change)
+  string(REPLACE " " ";" words "${change}")
+  set(line "  *")
+  foreach(word IN LISTS words)
+    string(LENGTH "${line} ${word}" length)
+    if(length GREATER widest)
+      string(APPEND changes "${line}\n")
+      set(line "   ")
+    endif()
+    string(APPEND line " ${word}")
+  endforeach()
+  string(APPEND changes "${line}\n")
+endmacro()
+
+# The day of the week of a date of the Gregorian calendar, after Sakamoto; 0 is Sunday.
+function(day_of_week year month day result)
+  set(offsets 0 3 2 5 0 3 5 1 4 6 2 4)
+  math(EXPR index "${month} - 1")
+  list(GET offsets ${index} offset)
+  if(month LESS 3)
+    math(EXPR year "${year} - 1")
+  endif()
+  math(EXPR number "(${year} + ${year} / 4 - ${year} / 100 + ${year} / 400 + ${offset} + ${day}) % 7")
+  set(${result} ${number} PARENT_SCOPE)
+endfunction()
+
+function(debian_date date result)
+  string(REGEX MATCH "^([0-9]+)-0?([0-9]+)-0?([0-9]+)$" matched ${date})
+  set(year ${CMAKE_MATCH_1})
+  set(month ${CMAKE_MATCH_2})
+  set(day ${CMAKE_MATCH_3})
+  day_of_week(${year} ${month} ${day} number)
+  list(GET day_names ${number} day_name)
+  math(EXPR index "${month} - 1")
+  list(GET month_names ${index} month_name)
+  string(REGEX REPLACE "^.*-" "" day ${date})
+  set(${result} "${day_name}, ${day} ${month_name} ${year} 12:00:00 +0000" PARENT_SCOPE)
+endfunction()
+
+macro(format_entry)
+  debian_date(${date} when)
+  string(APPEND entries "${PACKAGE} (${version}-${REVISION}) unstable; urgency=medium\n\n${changes}\n"
+                        " -- ${MAINTAINER}  ${when}\n\n")
+endmacro()
+
+macro(format_file)
+  string(REGEX REPLACE "\n$" "" entries "${entries}")
+  plain("${entries}" entries)
+  file(WRITE ${OUTPUT} "${entries}")
+endmacro()
