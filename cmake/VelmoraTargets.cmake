@@ -43,7 +43,7 @@ endif()
 set(shipped $<AND:$<CONFIG:Release>,$<PLATFORM_ID:Linux>>)
 target_compile_options(
   velmora_flags INTERFACE "$<${shipped}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong;-fstack-clash-protection>")
-target_link_options(velmora_flags INTERFACE "$<${shipped}:LINKER:-z,relro,-z,now>")
+target_link_options(velmora_flags INTERFACE "$<${shipped}:LINKER:-z,relro>")
 
 # velmora_library(name DIR folder SOURCES … LINKS … [PRIVATE_LINKS …])
 function(velmora_library name)

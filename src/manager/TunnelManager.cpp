@@ -34,10 +34,7 @@ TunnelManager::TunnelManager(Platform platform)
       storageURL_(platform_.paths.applicationSupport / "Velmora" / "hosts.json"),
       logDir_(platform_.paths.library / "Logs" / "Velmora"),
       folderSync_(platform_.scheduler, platform_.defaults) {
-    removeAbandonedAskpassScripts(platform_.paths.temporary);
-    for (const auto& directory : platform_.paths.otherTemporaries) {
-        removeAbandonedAskpassScripts(directory);
-    }
+    removeAbandonedScripts();
     loadSettings();
     std::ignore = createPrivateDirectory(storageURL_.parent_path());  // silent: the program works without
     std::ignore = createPrivateDirectory(logDir_);                    // silent too
@@ -57,6 +54,17 @@ TunnelManager::TunnelManager(Platform platform)
 }
 
 TunnelManager::~TunnelManager() = default;
+
+/// On a thread of its own: a temporary folder may hold tens of thousands of files.
+void TunnelManager::removeAbandonedScripts() {
+    auto directories = platform_.paths.otherTemporaries;
+    directories.insert(platform_.paths.temporary);
+    abandonedScripts_ = std::jthread([directories = std::move(directories)](const std::stop_token& stop) {
+        for (const auto& directory : directories) {
+            removeAbandonedAskpassScripts(directory, stop);
+        }
+    });
+}
 
 void TunnelManager::loadSettings() {
     performanceMode_.set(platform_.defaults.boolean(keys::performanceMode));

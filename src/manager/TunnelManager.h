@@ -27,6 +27,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace velmora {
@@ -136,6 +137,7 @@ public:
     void setProxyExceptions(std::string exceptions);
 
 private:
+    void removeAbandonedScripts();
     void loadSettings();
     void loadHosts();
     void connectStartupHosts();
@@ -165,6 +167,7 @@ private:
     FolderSync folderSync_;
     bool isReceivingFolderUpdate_ = false;  ///< what comes from the folder is not pushed back
     std::vector<Subscription> cancellables_;
+    std::jthread abandonedScripts_;  ///< removes them
 };
 
 }  // namespace velmora

@@ -5,11 +5,13 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -22,6 +24,10 @@ namespace fs = std::filesystem;
 constexpr std::string_view namePrefix = "velmora-askpass-";
 constexpr std::string_view nameSuffix = ".sh";
 constexpr mode_t scriptMode = 0700;
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
 
 bool isScriptName(std::string_view name) {
     if (!name.starts_with(namePrefix) || !name.ends_with(nameSuffix)) {
@@ -108,11 +114,16 @@ std::string askpassScriptText(std::string_view password) {
     return "#!/bin/sh\nprintf '%s' '" + encoded.toStdString() + "' | /usr/bin/base64 -d && printf '\\n'\n";
 }
 
-void removeAbandonedAskpassScripts(const fs::path& directory) {
-    std::error_code error;
-    for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
-        if (isScriptName(entry->path().filename().string())) {
-            removeIfAbandoned(entry->path());
+void removeAbandonedAskpassScripts(const fs::path& directory, const std::stop_token& stop) {
+    // Names alone: in a temporary folder with ten thousand files, a path for each of them is a tenth of the start.
+    const std::unique_ptr<DIR, CloseFolder> folder(::opendir(directory.c_str()));
+    while (folder && !stop.stop_requested()) {
+        const dirent* entry = ::readdir(folder.get());
+        if (entry == nullptr) {
+            return;
+        }
+        if (isScriptName(static_cast<const char*>(entry->d_name))) {
+            removeIfAbandoned(directory / static_cast<const char*>(entry->d_name));
         }
     }
 }

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -39,7 +40,8 @@ private:
 /// What the script holds.
 [[nodiscard]] std::string askpassScriptText(std::string_view password);
 
-/// Deletes the scripts that a crashed run of this user left in the folder: those that no living process holds.
-void removeAbandonedAskpassScripts(const std::filesystem::path& directory);
+/// Deletes the scripts that a crashed run of this user left in the folder: those that no living process holds. Any
+/// thread; returns early when it is asked to stop.
+void removeAbandonedAskpassScripts(const std::filesystem::path& directory, const std::stop_token& stop = {});
 
 }  // namespace velmora
