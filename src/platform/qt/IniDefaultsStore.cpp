@@ -2,6 +2,7 @@
 
 #include "base/AtomicFile.h"
 #include "platform/qt/SettingValue.h"
+#include "platform/qt/SettingsText.h"
 
 #include <QSettings>
 #include <QTemporaryDir>
@@ -20,8 +21,8 @@ QString text(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
 }
 
-/// What can be read of a file; lines that cannot are left out.
-std::map<QString, QVariant> readable(const std::filesystem::path& file) {
+/// What Qt reads in a file that holds nothing dangerous.
+std::map<QString, QVariant> harmless(const std::filesystem::path& file) {
     const QSettings settings(text(file), QSettings::IniFormat);
     std::map<QString, QVariant> values;
     const QStringList keys = settings.allKeys();
@@ -34,6 +35,21 @@ std::map<QString, QVariant> readable(const std::filesystem::path& file) {
         values[key] = isSettingList(value) ? settingText(settingString(value)) : value;
     }
     return values;
+}
+
+/// What can be read of a file; lines that cannot are left out.
+std::map<QString, QVariant> readable(const std::filesystem::path& file) {
+    const auto text = readFile(file, largest);
+    const auto kept = text ? withoutObjects(*text) : std::string();
+    if (!text || kept == *text) {
+        return harmless(file);
+    }
+    const QTemporaryDir scratch;
+    const std::filesystem::path copy = scratch.filePath(QStringLiteral("harmless")).toStdString();
+    if (!scratch.isValid() || !writeFileAtomically(copy, kept)) {
+        return {};
+    }
+    return harmless(copy);
 }
 
 }  // namespace

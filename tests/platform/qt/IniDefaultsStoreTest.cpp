@@ -129,6 +129,30 @@ TEST_F(IniDefaultsStoreTest, ALineThatCannotBeReadKeepsNothingFromBeingSaved) {
     }
 }
 
+/// A few bytes of an object make Qt ask for 48 GB.
+TEST_F(IniDefaultsStoreTest, LeavesOutObjectsHoweverTheyAreWritten) {
+    const std::string object = R"((\0\0\0\xbx1\x1))";
+    const std::vector<std::string> ways{"@Variant",     "\"@Variant",   "@\"Var\"iant",     "\\x40Variant",
+                                        "\\100Variant", "@Var\\\niant", "@Var\\\r\niant",   "@Var\\qiant",
+                                        "a, @Variant",  " \t@Variant",  "@\\x56\\x61riant", "@\\x10056\\141riant",
+                                        "@DateTime"};
+    std::filesystem::create_directories(file.parent_path());
+    for (const auto& way : ways) {
+        writeContent(file, "[General]\nbefore=1\nobject=" + way + object + "\nafter=anna@example.com\n");
+        const auto store = open();
+        EXPECT_EQ(store->string("before"), "1") << way;
+        EXPECT_FALSE(store->contains("object")) << way;
+        EXPECT_EQ(store->string("after"), "anna@example.com") << way;
+    }
+}
+
+TEST_F(IniDefaultsStoreTest, KeepsATextThatReadsLikeAnObject) {
+    for (const std::string text : {"@Variant(1)", "@@DateTime(1)", "see \"@Variant(1)\"", "@", "x@Variant(1)"}) {
+        open()->setString("customPac", text);
+        EXPECT_EQ(open()->string("customPac"), text);
+    }
+}
+
 TEST_F(IniDefaultsStoreTest, ReadsAFileThatIsNoneAsEmpty) {
     std::filesystem::create_directories(file);
     EXPECT_FALSE(open()->contains("performanceMode"));
