@@ -31,8 +31,9 @@ std::map<QString, QVariant> harmless(const std::filesystem::path& file) {
             continue;
         }
         const QVariant value = settings.value(key);
-        // We have no lists, and Qt cannot read back each that it writes.
-        values[key] = isSettingList(value) ? settingText(settingString(value)) : value;
+        // We have no lists, and Qt cannot read back each that it writes, nor a half of a character.
+        const bool isText = isSettingList(value) || value.typeId() == QMetaType::QString;
+        values[key] = isText ? settingText(settingString(value)) : value;
     }
     return values;
 }

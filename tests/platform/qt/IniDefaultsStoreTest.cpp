@@ -146,6 +146,15 @@ TEST_F(IniDefaultsStoreTest, LeavesOutObjectsHoweverTheyAreWritten) {
     }
 }
 
+TEST_F(IniDefaultsStoreTest, KeepsWhatStandsForHalfACharacter) {
+    std::filesystem::create_directories(file.parent_path());
+    writeContent(file, "[General]\nhalf=a\\xd83d!\n");
+    const auto store = open();
+    const auto read = store->string("half");
+    store->setString("other", "b");
+    EXPECT_EQ(open()->string("half"), read);
+}
+
 TEST_F(IniDefaultsStoreTest, KeepsATextThatReadsLikeAnObject) {
     for (const std::string text : {"@Variant(1)", "@@DateTime(1)", "see \"@Variant(1)\"", "@", "x@Variant(1)"}) {
         open()->setString("customPac", text);
