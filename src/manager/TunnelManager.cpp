@@ -53,15 +53,17 @@ TunnelManager::TunnelManager(Platform platform)
     startSharing();
 }
 
-TunnelManager::~TunnelManager() = default;
+TunnelManager::~TunnelManager() {
+    abandonedScripts_.join();
+}
 
 /// On a thread of its own: a temporary folder may hold tens of thousands of files.
 void TunnelManager::removeAbandonedScripts() {
     auto directories = platform_.paths.otherTemporaries;
     directories.insert(platform_.paths.temporary);
-    abandonedScripts_ = std::jthread([directories = std::move(directories)](const std::stop_token& stop) {
+    abandonedScripts_ = std::thread([directories = std::move(directories)] {
         for (const auto& directory : directories) {
-            removeAbandonedAskpassScripts(directory, stop);
+            removeAbandonedAskpassScripts(directory);
         }
     });
 }

@@ -167,7 +167,7 @@ private:
     FolderSync folderSync_;
     bool isReceivingFolderUpdate_ = false;  ///< what comes from the folder is not pushed back
     std::vector<Subscription> cancellables_;
-    std::jthread abandonedScripts_;  ///< removes them
+    std::thread abandonedScripts_;  ///< removes them
 };
 
 }  // namespace velmora

@@ -114,10 +114,10 @@ std::string askpassScriptText(std::string_view password) {
     return "#!/bin/sh\nprintf '%s' '" + encoded.toStdString() + "' | /usr/bin/base64 -d && printf '\\n'\n";
 }
 
-void removeAbandonedAskpassScripts(const fs::path& directory, const std::stop_token& stop) {
+void removeAbandonedAskpassScripts(const fs::path& directory) {
     // Names alone: in a temporary folder with ten thousand files, a path for each of them is a tenth of the start.
     const std::unique_ptr<DIR, CloseFolder> folder(::opendir(directory.c_str()));
-    while (folder && !stop.stop_requested()) {
+    while (folder) {
         const dirent* entry = ::readdir(folder.get());
         if (entry == nullptr) {
             return;

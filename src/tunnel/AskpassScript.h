@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -41,7 +40,7 @@ private:
 [[nodiscard]] std::string askpassScriptText(std::string_view password);
 
 /// Deletes the scripts that a crashed run of this user left in the folder: those that no living process holds. Any
-/// thread; returns early when it is asked to stop.
-void removeAbandonedAskpassScripts(const std::filesystem::path& directory, const std::stop_token& stop = {});
+/// thread.
+void removeAbandonedAskpassScripts(const std::filesystem::path& directory);
 
 }  // namespace velmora

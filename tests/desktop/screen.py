@@ -5,6 +5,7 @@ The accessibility bus is asked afresh each time, nothing is remembered: what is 
 
 import contextlib
 import subprocess
+import time
 
 from gi.repository import Gio, GLib
 
@@ -168,6 +169,12 @@ class Screen:
 
     def _ready(self, seek, what):
         window = wait_until(seek, f"{what} opens")
+        end = time.monotonic() + 5
+        while not window.has(ACTIVE) and time.monotonic() < end:
+            time.sleep(0.05)
+        if not window.has(ACTIVE):  # on a busy machine a window manager may leave the focus where it was: ask it
+            self.desktop.run("sh", "-c", 'xdotool search --onlyvisible --name "^$0$" windowactivate || true',
+                             window.title())
         wait_until(lambda: window.has(ACTIVE), f"{what} has the keyboard")
         return window
 

@@ -144,6 +144,7 @@ TEST_F(TunnelManagerTest, ScriptsOfACrashedRunAreRemovedAtStart) {
     const auto script = system_.runtime / ("velmora-askpass-" + Uuid::random().toString() + ".sh");
     writeContent(script, "#!/bin/sh\n");
     start();
+    manager_.reset();  // the folder is looked through beside the start, and that is waited for here
     EXPECT_FALSE(std::filesystem::exists(script));
 }
 
