@@ -118,6 +118,7 @@ void removeAbandonedAskpassScripts(const fs::path& directory) {
     // Names alone: in a temporary folder with ten thousand files, a path for each of them is a tenth of the start.
     const std::unique_ptr<DIR, CloseFolder> folder(::opendir(directory.c_str()));
     while (folder) {
+        // cppcheck-suppress readdirCalled  ; a stream of one thread's own is safe
         const dirent* entry = ::readdir(folder.get());
         if (entry == nullptr) {
             return;
