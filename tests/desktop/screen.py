@@ -186,6 +186,17 @@ class Screen:
                     return window
         return None
 
+    def close(self, title):
+        """Closes the window that the keys go to. A window manager that is busy may miss the keys once."""
+        self.key("alt+F4")
+        end = time.monotonic() + 3
+        while self.seek_window(title) and time.monotonic() < end:
+            time.sleep(0.05)
+        active = self.active()
+        if active and active.title() == title:
+            self.key("alt+F4")
+        self.gone(title)
+
     def gone(self, title):
         wait_until(lambda: not self.seek_window(title), f"the window {title!r} closes")
 
