@@ -34,7 +34,6 @@ TunnelManager::TunnelManager(Platform platform)
       storageURL_(platform_.paths.applicationSupport / "Velmora" / "hosts.json"),
       logDir_(platform_.paths.library / "Logs" / "Velmora"),
       folderSync_(platform_.scheduler, platform_.defaults) {
-    removeAbandonedScripts();
     loadSettings();
     std::ignore = createPrivateDirectory(storageURL_.parent_path());  // silent: the program works without
     std::ignore = createPrivateDirectory(logDir_);                    // silent too
@@ -51,6 +50,7 @@ TunnelManager::TunnelManager(Platform platform)
     connectStartupHosts();
     startServingPac();
     startSharing();
+    removeAbandonedScripts();  // last: a thread that runs must find its way to the destructor
 }
 
 TunnelManager::~TunnelManager() {
