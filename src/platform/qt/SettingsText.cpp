@@ -36,18 +36,19 @@ int digit(char character, int base) {
     return result.ec == std::errc() ? value : -1;
 }
 
-/// Takes the digits of a character's number, of which the toolkit keeps the last 16 bits.
-char numbered(std::string_view text, std::size_t& at, int base) {
+/// Takes the digits of a character's number, of which the toolkit keeps the last 16 bits. Without digits there is no
+/// character.
+std::string numbered(std::string_view text, std::size_t& at, int base) {
+    const auto first = at;
     unsigned number = 0;
     for (; at < text.size() && digit(text[at], base) >= 0; ++at) {
         number = (number * static_cast<unsigned>(base) + static_cast<unsigned>(digit(text[at], base))) & 0xffffU;
     }
-    return number < 0x80 ? static_cast<char>(number) : '?';
+    return at == first ? std::string() : std::string(1, number < 0x80 ? static_cast<char>(number) : '?');
 }
 
 /// What the entry says, roughly: characters by number stand as they are, other escapes as "?" or, unknown ones, not at
-/// all, and quotation marks
-/// and ends of lines are left out.
+/// all, and quotation marks and ends of lines are left out.
 std::string plain(std::string_view entry) {
     std::string result;
     for (std::size_t at = 0; at < entry.size();) {
@@ -68,6 +69,15 @@ std::string plain(std::string_view entry) {
     return result;
 }
 
+/// The toolkit takes the first one of a value for no character.
+std::string withoutByteOrderMarks(std::string text) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at)) {
+        text.erase(at, mark.size());
+    }
+    return text;
+}
+
 /// A value, or an item of a list, begins with the mark of an object. A text that begins with "@" is written with two. A
 /// comma in a text is taken for the end of an item: where quotation marks begin and end, only the toolkit knows.
 bool holdsObject(std::string_view entry) {
@@ -75,7 +85,7 @@ bool holdsObject(std::string_view entry) {
     if (entry.find('@') == std::string_view::npos && entry.find('\\') == std::string_view::npos) {
         return false;
     }
-    const std::string text = plain(entry);
+    const std::string text = withoutByteOrderMarks(plain(entry));
     for (const auto mark : marks) {
         for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1)) {
             const auto before = std::string_view(text).substr(0, at).find_last_not_of(" \t");

@@ -132,10 +132,23 @@ TEST_F(IniDefaultsStoreTest, ALineThatCannotBeReadKeepsNothingFromBeingSaved) {
 /// A few bytes of an object make Qt ask for 48 GB.
 TEST_F(IniDefaultsStoreTest, LeavesOutObjectsHoweverTheyAreWritten) {
     const std::string object = R"((\0\0\0\xbx1\x1))";
-    const std::vector<std::string> ways{"@Variant",     "\"@Variant",   "@\"Var\"iant",     "\\x40Variant",
-                                        "\\100Variant", "@Var\\\niant", "@Var\\\r\niant",   "@Var\\qiant",
-                                        "a, @Variant",  " \t@Variant",  "@\\x56\\x61riant", "@\\x10056\\141riant",
-                                        "@DateTime"};
+    const std::vector<std::string> ways{"@Variant",
+                                        "\"@Variant",
+                                        "@\"Var\"iant",
+                                        "\\x40Variant",
+                                        "\\100Variant",
+                                        "@Var\\\niant",
+                                        "@Var\\\r\niant",
+                                        "@Var\\qiant",
+                                        "a, @Variant",
+                                        " \t@Variant",
+                                        "@\\x56\\x61riant",
+                                        "@\\x10056\\141riant",
+                                        "@DateTime",
+                                        "\\x@Variant",
+                                        "a,\\x @Variant",
+                                        "\xEF\xBB\xBF@Variant",
+                                        ",\xEF\"\xBB\"\\q\xBF@Variant"};
     std::filesystem::create_directories(file.parent_path());
     for (const auto& way : ways) {
         writeContent(file, "[General]\nbefore=1\nobject=" + way + object + "\nafter=anna@example.com\n");
