@@ -1,5 +1,9 @@
 #include "ui/ElidedLabel.h"
 
+#include "ui/Metrics.h"
+#include "ui/ToolTip.h"
+
+#include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QEvent>
@@ -9,10 +13,12 @@
 
 namespace velmora {
 
-ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
+ElidedLabel::ElidedLabel(Qt::TextElideMode leftOut, Look look, QWidget* parent)
+    : QLabel(parent), leftOut_(leftOut), look_(look) {
     setTextFormat(Qt::PlainText);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    adoptFont();
 }
 
 void ElidedLabel::setFullText(const QString& text) {
@@ -42,6 +48,9 @@ void ElidedLabel::resizeEvent(QResizeEvent* event) {
 
 void ElidedLabel::changeEvent(QEvent* event) {
     QLabel::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        adoptFont();
+    }
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
         updateGeometry();
         fit();
@@ -63,12 +72,18 @@ void ElidedLabel::contextMenuEvent(QContextMenuEvent* event) {
     menu->popup(event->globalPos());
 }
 
+void ElidedLabel::adoptFont() {
+    if (look_ == Look::caption) {
+        setFont(metrics::scaled(QApplication::font(), metrics::captionScale));
+    }
+}
+
 void ElidedLabel::fit() {
-    const QString shown = fontMetrics().elidedText(fullText_, Qt::ElideMiddle, contentsRect().width());
+    const QString shown = fontMetrics().elidedText(fullText_, leftOut_, contentsRect().width());
     if (shown != text()) {
         setText(shown);
     }
-    setToolTip(shown == fullText_ ? QString() : fullText_);
+    setToolTip(shown == fullText_ ? QString() : toolTipOf(fullText_));
 }
 
 void ElidedLabel::copy() const {

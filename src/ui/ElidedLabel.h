@@ -4,13 +4,17 @@
 
 namespace velmora {
 
-/// One line of plain text that leaves out its middle where there is no room for all of it; then its tooltip is the
-/// whole. It can be selected, and what is copied is the whole. Main thread.
+/// One line of plain text that leaves out a part of it where there is no room for all; then its tooltip is the whole.
+/// It can be selected, and what is copied is the whole. Main thread.
 class ElidedLabel final : public QLabel {
     Q_OBJECT
 
 public:
-    explicit ElidedLabel(QWidget* parent = nullptr);
+    enum class Look { text, caption };
+
+    /// The middle is for paths: their beginning and their end tell most.
+    explicit ElidedLabel(Qt::TextElideMode leftOut = Qt::ElideMiddle, Look look = Look::text,
+                         QWidget* parent = nullptr);
 
     void setFullText(const QString& text);
     [[nodiscard]] const QString& fullText() const { return fullText_; }
@@ -23,9 +27,12 @@ private:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void adoptFont();
     void fit();
     void copy() const;
 
+    Qt::TextElideMode leftOut_;
+    Look look_;
     QString fullText_;
 };
 

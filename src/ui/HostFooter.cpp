@@ -1,7 +1,7 @@
 #include "ui/HostFooter.h"
 
 #include "ui/ColorDot.h"
-#include "ui/ElidingLabel.h"
+#include "ui/ElidedLabel.h"
 #include "ui/HostBinding.h"
 #include "ui/IconButton.h"
 #include "ui/MenuLabel.h"
@@ -34,7 +34,7 @@ HostFooter::HostFooter(WindowServices& services, HostBinding& host, QWidget* par
       services_(services),
       host_(host),
       dot_(new ColorDot(statusColor(ConnectionStatus::State::disconnected))),
-      status_(new ElidingLabel),
+      status_(new ElidedLabel(Qt::ElideRight, ElidedLabel::Look::caption)),
       save_(new QPushButton(tr("Save"))),
       connect_(new ProminentButton({tr("Connect"), tr("Disconnect")})) {
     addButtons();
@@ -55,6 +55,7 @@ void HostFooter::addButtons() {
     row->setContentsMargins(metrics::margin, metrics::related, metrics::margin, metrics::related);
     row->setSpacing(metrics::related);
     status_->setObjectName(QStringLiteral("status"));
+    status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* log = new IconButton(QStringLiteral("doc-text"), tr("Open log in Console"));
     connect(log, &IconButton::clicked, this, &HostFooter::openLog);
     auto* copy = new IconButton(QStringLiteral("clipboard"), tr("Copy SSH command to clipboard"));
@@ -90,7 +91,7 @@ void HostFooter::refresh() {
     const auto uptime = services_.manager.uptimeString(id);
     dot_->setColor(
         statusColor(uptime ? ConnectionStatus::State::connected : status.state, palette().color(QPalette::Window)));
-    status_->setWholeText(statusText(status, uptime));
+    status_->setFullText(statusText(status, uptime));
     if (status.isActive()) {
         connect_->setLook(tr("Disconnect"), ProminentButton::Tint::red);
     } else {

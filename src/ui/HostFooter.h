@@ -12,7 +12,7 @@ class QPushButton;
 namespace velmora {
 
 class ColorDot;
-class ElidingLabel;
+class ElidedLabel;
 class HostBinding;
 class ProminentButton;
 struct WindowServices;
@@ -43,7 +43,7 @@ private:
     WindowServices& services_;
     HostBinding& host_;
     ColorDot* dot_;
-    ElidingLabel* status_;
+    ElidedLabel* status_;
     QPushButton* save_;
     ProminentButton* connect_;
     QTimer refreshSoon_;        ///< one run for however many changes a turn of the event loop brings

@@ -2,8 +2,7 @@
 
 #include "ui/MenuLabel.h"
 #include "ui/StatusLook.h"
-
-#include <QTextDocument>
+#include "ui/ToolTip.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -33,9 +32,7 @@ QVariant HostListModel::data(const QModelIndex& index, int role) const {
         case Qt::AccessibleTextRole:
             return QString(displayName(row.name) + QStringLiteral(", ") + statusText(row.status, row.uptime));
         case Qt::ToolTipRole:
-            // Names and what a server says are no markup.
-            return Qt::convertFromPlainText(
-                displayName(row.name) + QLatin1Char('\n') + statusText(row.status, row.uptime), Qt::WhiteSpaceNormal);
+            return toolTipOf(displayName(row.name) + QLatin1Char('\n') + statusText(row.status, row.uptime));
         default:
             return {};
     }

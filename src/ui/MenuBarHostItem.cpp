@@ -1,5 +1,7 @@
 #include "ui/MenuBarHostItem.h"
 
+#include "ui/ToolTip.h"
+
 namespace velmora {
 
 MenuBarHostItem::MenuBarHostItem(TunnelManager& manager, const SSHHost& host, StatusDots& dots, MenuText drawnAs)
@@ -33,7 +35,7 @@ void MenuBarHostItem::update(const SSHHost& host, const ConnectionStatus& status
 
 void MenuBarHostItem::showWords() {
     if (drawnAs_ == MenuText::widget) {  // an exported menu has no place for them
-        action_.setToolTip(statusText(status_));
+        action_.setToolTip(toolTipOf(statusText(status_)));
     }
 }
 

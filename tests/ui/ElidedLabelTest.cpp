@@ -34,7 +34,7 @@ TEST_F(ElidedLabelTest, LeavesOutTheMiddleAndSaysAllInTheToolTip) {
     EXPECT_TRUE(label.text().startsWith(QStringLiteral("/home")));
     EXPECT_TRUE(label.text().endsWith(QStringLiteral("tunnels")));
     EXPECT_LT(label.text().size(), text.size());
-    EXPECT_EQ(label.toolTip(), text);
+    EXPECT_EQ(label.toolTip(), QStringLiteral("<p>%1</p>").arg(text));
     EXPECT_EQ(label.accessibleName(), text);
     label.resize(label.sizeHint());
     EXPECT_EQ(label.text(), text);
@@ -70,6 +70,18 @@ TEST_F(ElidedLabelTest, IsNoMarkup) {
     label.resize(label.sizeHint());
     EXPECT_EQ(label.text(), QStringLiteral("<b>bold</b> & more"));
     EXPECT_EQ(label.textFormat(), Qt::PlainText);
+    label.resize(label.minimumSizeHint());
+    EXPECT_EQ(label.toolTip(), QStringLiteral("<p>&lt;b&gt;bold&lt;/b&gt; &amp; more</p>"));
+}
+
+TEST_F(ElidedLabelTest, ACaptionIsSmallerAndLosesItsEnd) {
+    ElidedLabel caption(Qt::ElideRight, ElidedLabel::Look::caption);
+    caption.setFullText(text);
+    caption.resize(caption.sizeHint().width() / 2, caption.sizeHint().height());
+    caption.show();
+    EXPECT_TRUE(caption.text().startsWith(QStringLiteral("/home/anna")));
+    EXPECT_FALSE(caption.text().endsWith(QStringLiteral("tunnels")));
+    EXPECT_LT(caption.sizeHint().width(), label.sizeHint().width());
 }
 
 }  // namespace

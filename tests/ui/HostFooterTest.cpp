@@ -1,4 +1,4 @@
-#include "ui/ElidingLabel.h"
+#include "ui/ElidedLabel.h"
 #include "ui/HostDetailView.h"
 #include "ui/HostEditorStand.h"
 #include "ui/HostFooter.h"
@@ -25,7 +25,7 @@ protected:
     }
     std::string status() {
         hands->settle();
-        return hands->find<ElidingLabel>("status")->wholeText().toStdString();
+        return hands->find<ElidedLabel>("status")->fullText().toStdString();
     }
     ProminentButton& connectButton() { return *hands->find<ProminentButton>("connect"); }
     QTimer& uptimeTimer() { return *view->findChild<QTimer*>(QStringLiteral("uptimeTimer")); }
@@ -89,7 +89,7 @@ TEST_F(HostFooterTest, ALongErrorIsCutOffAndWholeInTheTooltip) {
     stand.launcher.last().exitSaying("ssh: " + std::string(300, 'e') + " <b>\n", 255);
     stand.scheduler.runPosted();
     hands->settle();
-    const auto* label = hands->find<ElidingLabel>("status");
+    const auto* label = hands->find<ElidedLabel>("status");
     EXPECT_TRUE(label->toolTip().contains(QString(300, QLatin1Char('e'))));
     EXPECT_TRUE(label->toolTip().contains(QStringLiteral("&lt;b&gt;")));
     EXPECT_EQ(view->width(), 640);

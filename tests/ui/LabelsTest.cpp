@@ -1,7 +1,6 @@
 #include "ui/AboutView.h"
 #include "ui/ContentView.h"
 #include "ui/ElidedLabel.h"
-#include "ui/ElidingLabel.h"
 #include "ui/ExceptionsEditorView.h"
 #include "ui/FindBar.h"
 #include "ui/FindButton.h"
@@ -58,7 +57,7 @@ bool isQtsOwn(const QWidget& widget) {
 }
 
 bool isLeftOutOnPurpose(const QLabel& label) {
-    return qobject_cast<const ElidedLabel*>(&label) != nullptr || qobject_cast<const ElidingLabel*>(&label) != nullptr;
+    return qobject_cast<const ElidedLabel*>(&label) != nullptr;
 }
 
 bool isInteractive(const QWidget& widget) {

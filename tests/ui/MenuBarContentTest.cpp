@@ -159,19 +159,20 @@ TEST_F(MenuBarContentTest, TheDotTellsTheStatusAndTheToolTipSaysIt) {
     stand.setHostsNamed({"web"});
     content.refresh();
     EXPECT_EQ(dot("web"), QColor(Qt::white));
-    EXPECT_EQ(entry("web").toolTip(), QStringLiteral("Not Connected"));
+    EXPECT_EQ(entry("web").toolTip(), QStringLiteral("<p>Not Connected</p>"));
     stand.manager.connect(stand.host(0));
     content.refresh();
     EXPECT_EQ(dot("web"), QColor(0xf2, 0xb0, 0x1e));
-    EXPECT_EQ(entry("web").toolTip(), QStringLiteral("Connecting..."));
+    EXPECT_EQ(entry("web").toolTip(), QStringLiteral("<p>Connecting...</p>"));
     stand.scheduler.advance(std::chrono::seconds(4));
     content.refresh();
     EXPECT_EQ(dot("web"), QColor(0x34, 0xa8, 0x53));
-    EXPECT_EQ(entry("web").toolTip(), QStringLiteral("Connected"));
-    stand.launcher.last().exitSaying("ssh: no route\n", 255);
+    EXPECT_EQ(entry("web").toolTip(), QStringLiteral("<p>Connected</p>"));
+    stand.launcher.last().exitSaying("ssh: no <b>route</b>\n", 255);
     stand.scheduler.runPosted();
     content.refresh();
-    EXPECT_EQ(entry("web").toolTip(), QStringLiteral("Error: Reconnecting in 5s… (ssh: no route)"));
+    EXPECT_EQ(entry("web").toolTip(),
+              QStringLiteral("<p>Error: Reconnecting in 5s… (ssh: no &lt;b&gt;route&lt;/b&gt;)</p>"));
 }
 
 TEST_F(MenuBarContentTest, ANameIsNoMnemonic) {

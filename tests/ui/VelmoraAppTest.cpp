@@ -219,12 +219,12 @@ TEST_F(VelmoraAppTest, ManyChangesInOneTurnAreOneRefresh) {
     stand.scheduler.advance(std::chrono::seconds(4));
     EXPECT_EQ(app->icon()->symbol(), QStringLiteral("network-slash")) << "not within the change";
     QApplication::processEvents();
-    EXPECT_EQ(entry(QStringLiteral("a"))->toolTip(), QStringLiteral("Not Connected"));
+    EXPECT_EQ(entry(QStringLiteral("a"))->toolTip(), QStringLiteral("<p>Not Connected</p>"));
     entry(QStringLiteral("Connect All"))->trigger();
     stand.scheduler.advance(std::chrono::seconds(4));
     QApplication::processEvents();
     EXPECT_EQ(app->icon()->symbol(), QStringLiteral("network"));
-    EXPECT_EQ(entry(QStringLiteral("a"))->toolTip(), QStringLiteral("Connected"));
+    EXPECT_EQ(entry(QStringLiteral("a"))->toolTip(), QStringLiteral("<p>Connected</p>"));
 }
 
 TEST_F(VelmoraAppTest, QuitStopsTheTunnelsOnce) {
