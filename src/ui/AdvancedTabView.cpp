@@ -5,6 +5,7 @@
 #include "ui/HostBinding.h"
 #include "ui/IntegerField.h"
 #include "ui/LinesField.h"
+#include "ui/Metrics.h"
 
 #include <QCheckBox>
 #include <QFontDatabase>
@@ -37,6 +38,7 @@ QWidget* withUnit(QWidget* control, const QString& unit) {
     auto* both = new QWidget;
     auto* row = new QHBoxLayout(both);
     row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(metrics::related);
     row->addWidget(control);
     row->addWidget(new QLabel(unit));
     row->addStretch();

@@ -65,8 +65,10 @@ QWidget* captioned(QWidget* control, const QString& caption) {
 void addRow(QFormLayout& form, const QString& label, QWidget* control, QWidget* field) {
     auto* words = new QLabel(label);
     words->setBuddy(control);
-    // Beside the first line of a tall control.
-    words->setMaximumHeight(std::min(control->sizeHint().height(), words->sizeHint().height() + 2 * metrics::caption));
+    // Beside the middle of one line, and beside the first line of a tall control.
+    const int line = words->sizeHint().height();
+    const int height = control->sizeHint().height();
+    words->setMaximumHeight(height <= 2 * line + metrics::caption ? height : line + 2 * metrics::caption);
     if (control->accessibleName().isEmpty()) {
         control->setAccessibleName(label);
     }

@@ -4,8 +4,8 @@
 #include "ui/Metrics.h"
 
 #include <QEvent>
-#include <QLayout>
 #include <QScrollBar>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -22,7 +22,11 @@ FormScrollArea::FormScrollArea(QWidget* form, QWidget* parent) : QScrollArea(par
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    QWidget* const column = forms::column(form);
+    auto* const whole = new QWidget;
+    auto* const rows = new QVBoxLayout(whole);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(form, 0, Qt::AlignTop);  // room that is left over stays below it
+    QWidget* const column = forms::column(whole);
     column->layout()->setContentsMargins(metrics::margin, metrics::related, metrics::margin, metrics::margin);
     setWidget(column);
 }
