@@ -8,6 +8,7 @@
 #include "ui/Metrics.h"
 #include "ui/WindowServices.h"
 
+#include <QEvent>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -18,7 +19,8 @@ HostDetailView::HostDetailView(WindowServices& services, const Uuid& host, QWidg
       services_(services),
       host_(services.manager, host),
       saveKey_(new QShortcut(QKeySequence::Save, this)) {
-    load();
+    loadPassword();
+    savedHost_ = host_.host();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, metrics::margin, 0, 0);
     column->setSpacing(0);
@@ -53,10 +55,26 @@ QWidget* HostDetailView::header() {
     return both;
 }
 
-void HostDetailView::load() {
-    password_.set(services_.manager.keychain().load(host_.host().id).value_or(std::string()));
-    savedPassword_ = password_.get();
-    savedHost_ = host_.host();
+void HostDetailView::loadPassword() {
+    const auto found = services_.manager.keychain().load(host_.host().id);
+    isPasswordKnown_ = found.has_value();
+    savedPassword_ = found.value_or(std::string());
+    password_.set(savedPassword_);
+}
+
+/// A locked keychain has had no answer at first. What it holds must not be taken for nothing and written over.
+void HostDetailView::loadPasswordAgain() {
+    if (!isPasswordKnown_ && password_.get() == savedPassword_) {
+        loadPassword();
+    }
+}
+
+bool HostDetailView::event(QEvent* event) {
+    // The user comes back from the question that unlocks the keychain, for example.
+    if (event->type() == QEvent::WindowActivate && host_.exists() && host_.host().authMethod == AuthMethod::password) {
+        loadPasswordAgain();
+    }
+    return QWidget::event(event);
 }
 
 bool HostDetailView::isDirty() const {
@@ -68,9 +86,11 @@ void HostDetailView::saveAll() {
         return;
     }
     services_.manager.save();
+    loadPasswordAgain();
     services_.manager.keychain().save(password_.get(), host_.host().id);
     savedHost_ = host_.host();
     savedPassword_ = password_.get();
+    isPasswordKnown_ = isPasswordKnown_ || !savedPassword_.empty();
     showState();
 }
 

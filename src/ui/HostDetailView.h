@@ -33,8 +33,10 @@ public:
     [[nodiscard]] bool isDirty() const;
 
 private:
+    bool event(QEvent* event) override;
     [[nodiscard]] QWidget* header();
-    void load();
+    void loadPassword();
+    void loadPasswordAgain();
     void saveAll();
     void showState();
 
@@ -43,6 +45,7 @@ private:
     Observable<std::string> password_;
     std::optional<SSHHost> savedHost_;
     std::string savedPassword_;
+    bool isPasswordKnown_ = false;
     HostTabsView* tabs_ = nullptr;
     HostFooter* footer_ = nullptr;
     QShortcut* saveKey_;

@@ -51,6 +51,67 @@ protected:
     std::unique_ptr<EditorHands> hands;
 };
 
+/// A keychain that is locked while the editor opens, and unlocked a moment later.
+class LockedKeychainTest : public HostDetailViewTest {
+protected:
+    void SetUp() override {
+        HostDetailViewTest::SetUp();
+        const std::pair key{std::string("com.velmora.app"), host().id.toString()};
+        secret = &(stand.credentials.items[key] = "precious");
+        stand.credentials.copyMatchingAnswer = CredentialStatus::interactionNotAllowed;
+        changeElsewhere([](SSHHost& host) { host.authMethod = AuthMethod::password; });
+        open();
+    }
+    void comeBack() {
+        QEvent event(QEvent::WindowActivate);
+        QCoreApplication::sendEvent(view.get(), &event);
+    }
+    std::string shown() { return hands->find<TextField>("password")->text().toStdString(); }
+
+    std::string* secret = nullptr;
+};
+
+TEST_F(LockedKeychainTest, SavingSomethingElseKeepsThePassword) {
+    stand.credentials.copyMatchingAnswer.reset();
+    hands->type("tags", QStringLiteral("prod"));
+    pressSaveKey();
+    EXPECT_EQ(*secret, "precious");
+    EXPECT_EQ(shown(), "precious");
+    EXPECT_FALSE(canSave());
+}
+
+TEST_F(LockedKeychainTest, SavingTwiceKeepsThePasswordToo) {
+    stand.credentials.updateAnswer = CredentialStatus::interactionNotAllowed;
+    hands->type("tags", QStringLiteral("prod"));
+    pressSaveKey();
+    stand.credentials.copyMatchingAnswer.reset();
+    stand.credentials.updateAnswer.reset();
+    hands->type("tags", QStringLiteral("test"));
+    pressSaveKey();
+    EXPECT_EQ(*secret, "precious");
+}
+
+TEST_F(LockedKeychainTest, ComingBackToTheWindowShowsThePassword) {
+    EXPECT_EQ(shown(), "");
+    comeBack();
+    EXPECT_EQ(shown(), "");
+    stand.credentials.copyMatchingAnswer.reset();
+    comeBack();
+    EXPECT_EQ(shown(), "precious");
+    EXPECT_FALSE(canSave());
+}
+
+TEST_F(LockedKeychainTest, WhatIsTypedCountsAndNotWhatIsStored) {
+    hands->type("password", QStringLiteral("new"));
+    stand.credentials.copyMatchingAnswer.reset();
+    comeBack();
+    EXPECT_EQ(shown(), "new");
+    pressSaveKey();
+    EXPECT_EQ(*secret, "new");
+    comeBack();
+    EXPECT_EQ(shown(), "new");
+}
+
 TEST_F(HostDetailViewTest, AKeystrokeIsInTheManagersListAtOnce) {
     hands->type("name", QStringLiteral("n"));
     EXPECT_EQ(host().name, "n");
@@ -64,6 +125,14 @@ TEST_F(HostDetailViewTest, AKeystrokeIsInTheManagersListAtOnce) {
     EXPECT_EQ(host().customOptions, "A=1");
     EXPECT_EQ(stand.host(0), SSHHost(stand.manager.hosts().get().front()));
     EXPECT_FALSE(std::filesystem::exists(stand.home / "share" / "Velmora" / "hosts.json"));
+}
+
+TEST_F(HostDetailViewTest, RoomThatIsLeftOverStaysBelowTheForm) {
+    const auto topOf = [this](const char* name) { return hands->find<QWidget>(name)->mapTo(view.get(), QPoint()).y(); };
+    const int distance = topOf("rules") - topOf("useSSHConfigAlias");
+    view->resize(view->width(), 2000);
+    hands->settle();
+    EXPECT_EQ(topOf("rules") - topOf("useSSHConfigAlias"), distance);
 }
 
 TEST_F(HostDetailViewTest, TypingInAnyFieldEnablesSaveAndTypingItBackDisablesItAgain) {
