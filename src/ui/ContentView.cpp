@@ -97,6 +97,11 @@ void ContentView::addTunnelMenu() {
                                 [this] { sidebar_->moveSelected(-1); });
     moveDown_ = tunnel->addAction(tr("Move &Down"), QKeySequence(Qt::ALT | Qt::Key_Down), sidebar_,
                                   [this] { sidebar_->moveSelected(1); });
+    for (QAction* move : {moveUp_, moveDown_}) {
+        // In the editor the same keys open a list of choices, or move the cursor.
+        move->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        sidebar_->addAction(move);
+    }
     tunnel->addSeparator();
     tunnel->addAction(tr("&Search"), QKeySequence::Find, sidebar_, [this] {
         sidebar_->search().setFocus(Qt::ShortcutFocusReason);

@@ -346,6 +346,20 @@ TEST_F(ContentViewTest, TheTunnelMenuFollowsTheSelection) {
     EXPECT_FALSE(down->isEnabled());
 }
 
+TEST_F(ContentViewTest, TheKeysThatMoveAHostAreTheListsAlone) {
+    openWith({"web", "db"});
+    select(0);
+    QApplication::processEvents();
+    QApplication::setActiveWindow(window);
+    auto* field = editors().front()->findChild<QLineEdit*>(QStringLiteral("hostname"));
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(stand.host(0).name, "web");
+    list().setFocus();
+    QTest::keyClick(&list(), Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(stand.host(0).name, "db");
+}
+
 TEST_F(ContentViewTest, SearchTakesTheFocus) {
     openWith({"web"});
     action(QStringLiteral("Tunnel"), QStringLiteral("Search"))->trigger();
