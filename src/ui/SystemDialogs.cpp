@@ -1,7 +1,11 @@
 #include "ui/SystemDialogs.h"
 
+#include "ui/ApplicationIcon.h"
+
 #include <QApplication>
 #include <QFileDialog>
+#include <QGridLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QString>
 
@@ -11,6 +15,8 @@ namespace velmora {
 
 namespace {
 
+constexpr int iconSide = 48;
+
 QString text(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
@@ -18,6 +24,22 @@ QString text(std::string_view utf8) {
 /// The title bar of a file dialog is its only place for words.
 QString heading(const QString& title, const QString& message) {
     return message.isEmpty() ? title : title + QStringLiteral(" — ") + message;
+}
+
+/// Names and what a server says are no markup.
+void showPlainly(QMessageBox& box) {
+    const auto labels = box.findChildren<QLabel*>();
+    for (QLabel* label : labels) {
+        label->setTextFormat(Qt::PlainText);
+    }
+}
+
+/// So that a sentence is not broken into many lines, and the title can be read.
+void widen(QMessageBox& box) {
+    constexpr int comfortable = 380;
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        grid->addItem(new QSpacerItem(comfortable, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    }
 }
 
 }  // namespace
@@ -56,6 +78,7 @@ void SystemDialogs::alert(const Alert& alert, std::function<void()> dismissed) {
     auto* box = new QMessageBox(QMessageBox::NoIcon, QApplication::applicationDisplayName(), alert.message,
                                 QMessageBox::Ok, QApplication::activeWindow());
     box->setInformativeText(alert.informativeText);
+    box->setIconPixmap(applicationIcon().pixmap(iconSide));
     if (dismissed) {
         QObject::connect(box, &QMessageBox::finished, box, [dismissed = std::move(dismissed)] { dismissed(); });
     }
@@ -84,7 +107,8 @@ std::optional<std::filesystem::path> SystemDialogs::choose(QFileDialog& dialog) 
 
 void SystemDialogs::show(QMessageBox& box) {
     box.setAttribute(Qt::WA_DeleteOnClose);
-    box.setTextFormat(Qt::PlainText);  // names and what a server says are no markup
+    showPlainly(box);
+    widen(box);
     box.setWindowModality(box.parentWidget() != nullptr ? Qt::WindowModal : Qt::ApplicationModal);
     policy_.activate();
     box.show();
