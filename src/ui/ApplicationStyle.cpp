@@ -1,6 +1,7 @@
 #include "ui/ApplicationStyle.h"
 
 #include "ui/SymbolIcon.h"
+#include "ui/Tints.h"
 
 namespace velmora {
 
@@ -14,6 +15,13 @@ QIcon ApplicationStyle::standardIcon(StandardPixmap icon, const QStyleOption* op
             return symbolIcon(QStringLiteral("xmark"));
         default:
             return QProxyStyle::standardIcon(icon, option, widget);
+    }
+}
+
+void ApplicationStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        palette.setColor(group, QPalette::PlaceholderText, tints::placeholder(palette, group));
     }
 }
 

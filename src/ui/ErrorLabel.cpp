@@ -1,18 +1,11 @@
 #include "ui/ErrorLabel.h"
 
+#include "ui/Tints.h"
+
 #include <QApplication>
 #include <QEvent>
 
 namespace velmora {
-
-namespace {
-
-// Each has a contrast of 4.5 and more against the grounds that it is for.
-constexpr QRgb onLight = 0xffb3261e;
-constexpr QRgb onDark = 0xffff8a80;
-constexpr int middleGrey = 128;
-
-}  // namespace
 
 ErrorLabel::ErrorLabel(QWidget* parent) : QLabel(parent) {
     setWordWrap(true);
@@ -35,8 +28,7 @@ void ErrorLabel::adopt() {
     }
     adopting_ = true;
     QPalette colors = QApplication::palette();
-    const bool isDark = colors.color(QPalette::Window).lightness() < middleGrey;
-    colors.setColor(QPalette::WindowText, QColor(isDark ? onDark : onLight));
+    colors.setColor(QPalette::WindowText, tints::error(colors));
     setPalette(colors);
     adopting_ = false;
 }

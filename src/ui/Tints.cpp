@@ -9,6 +9,8 @@ namespace {
 
 constexpr double readable = 4.5;
 constexpr int mostSteps = 20;  // where the palette's own text is not readable, either
+constexpr QRgb errorOnLight = 0xffb3261e;
+constexpr QRgb errorOnDark = 0xffff8a80;
 constexpr QRgb warningOnLight = 0xffa84a06;
 constexpr QRgb warningOnDark = 0xffffa63d;
 
@@ -18,6 +20,15 @@ double linear(double channel) {
 
 double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+/// The colour, as close to the ink as it must be.
+QColor readableOn(const QColor& ground, const QColor& color, const QColor& ink) {
+    QColor result = mix(ground, QColor(color.rgb()), color.alphaF());  // it may shine through
+    for (int step = 0; step < mostSteps && contrast(result, ground) < readable; ++step) {
+        result = mix(result, ink, 0.1F);
+    }
+    return result;
 }
 
 }  // namespace
@@ -46,14 +57,17 @@ QColor underWhiteText(QColor fill) {
 }
 
 QColor caption(const QPalette& palette) {
-    const QColor window = palette.color(QPalette::Window);
-    const QColor ink = palette.color(QPalette::WindowText);
-    QColor color = palette.color(QPalette::PlaceholderText);
-    color = mix(window, QColor(color.rgb()), color.alphaF());  // it may shine through
-    for (int step = 0; step < mostSteps && contrast(color, window) < readable; ++step) {
-        color = mix(color, ink, 0.1F);
-    }
-    return color;
+    return readableOn(palette.color(QPalette::Window), palette.color(QPalette::PlaceholderText),
+                      palette.color(QPalette::WindowText));
+}
+
+QColor placeholder(const QPalette& palette, QPalette::ColorGroup group) {
+    return readableOn(palette.color(group, QPalette::Base), palette.color(group, QPalette::PlaceholderText),
+                      palette.color(group, QPalette::Text));
+}
+
+QColor error(const QPalette& palette) {
+    return QColor(isDark(palette) ? errorOnDark : errorOnLight);
 }
 
 QColor warning(const QPalette& palette) {

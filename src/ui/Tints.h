@@ -21,6 +21,12 @@ namespace velmora::tints {
 /// read.
 [[nodiscard]] QColor caption(const QPalette& palette);
 
+/// The same on the ground of a field, for a field's placeholder.
+[[nodiscard]] QColor placeholder(const QPalette& palette, QPalette::ColorGroup group);
+
+/// Red text that is read on a window of this palette.
+[[nodiscard]] QColor error(const QPalette& palette);
+
 /// Orange text that is read on a window of this palette.
 [[nodiscard]] QColor warning(const QPalette& palette);
 

@@ -1,9 +1,12 @@
 #include "ui/ApplicationStyle.h"
+#include "ui/Tints.h"
 
 #include <QApplication>
 #include <QImage>
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace velmora {
 namespace {
@@ -33,6 +36,21 @@ TEST(ApplicationStyleTest, LeavesOtherSymbolsToThePlatform) {
     const ApplicationStyle style(*qApp);
     EXPECT_EQ(style.standardIcon(QStyle::SP_DirIcon).pixmap(16).toImage(),
               style.baseStyle()->standardIcon(QStyle::SP_DirIcon).pixmap(16).toImage());
+}
+
+TEST(ApplicationStyleTest, PlaceholdersAreReadOnLightAndOnDark) {
+    ApplicationStyle style(*qApp);
+    for (const auto& [base, text] : {std::pair(Qt::white, Qt::black), std::pair(Qt::black, Qt::white)}) {
+        QPalette palette;
+        palette.setColor(QPalette::Base, base);
+        palette.setColor(QPalette::Text, text);
+        palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));  // as a dark theme may leave it
+        style.polish(palette);
+        for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            EXPECT_GE(tints::contrast(palette.color(group, QPalette::PlaceholderText), base), 4.5) << base;
+            EXPECT_NE(palette.color(group, QPalette::PlaceholderText), QColor(text)) << base;
+        }
+    }
 }
 
 TEST(ApplicationStyleTest, IsThePlatformsOtherwise) {

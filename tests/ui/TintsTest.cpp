@@ -46,9 +46,10 @@ TEST(Tints, ACaptionIsReadOnLightAndOnDark) {
     EXPECT_LT(tints::contrast(tints::caption(unreadable), QColor(0xff808080U)), 4.5) << "comes to an end all the same";
 }
 
-TEST(Tints, AWarningIsReadOnLightAndOnDark) {
+TEST(Tints, WarningsAndErrorsAreReadOnLightAndOnDark) {
     for (const QPalette& palette : {paletteOf(0xffefefef, 0xff000000), paletteOf(0xff2d2d2d, 0xffffffff)}) {
         EXPECT_GE(tints::contrast(tints::warning(palette), palette.color(QPalette::Window)), 4.5);
+        EXPECT_GE(tints::contrast(tints::error(palette), palette.color(QPalette::Window)), 4.5);
     }
 }
 
