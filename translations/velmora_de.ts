@@ -375,11 +375,11 @@
     </message>
     <message>
         <source>Bind address</source>
-        <translation>Lokale Adresse</translation>
+        <translation>Bind-Adresse</translation>
     </message>
     <message>
         <source>Bind port</source>
-        <translation>Lokaler Port</translation>
+        <translation>Bind-Port</translation>
     </message>
     <message>
         <source>Target address</source>

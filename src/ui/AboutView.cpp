@@ -7,7 +7,7 @@
 #include "ui/WindowServices.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QTextBlock>
@@ -125,6 +125,14 @@ void AboutView::changeEvent(QEvent* event) {
         adopt();
     }
     ManagedWindow::changeEvent(event);
+}
+
+void AboutView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        close();
+    } else {
+        ManagedWindow::keyPressEvent(event);
+    }
 }
 
 void AboutView::adopt() {

@@ -18,6 +18,7 @@ public:
 
 private:
     void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     /// Takes over font and colours.
     void adopt();
 

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 #include <QByteArray>
-#include <QCloseEvent>
+#include <QKeyEvent>
 #include <QScreen>
 
 #include <algorithm>
@@ -42,8 +42,12 @@ QByteArray ManagedWindow::remembered(std::string_view what) const {
     return QByteArray::fromBase64(QByteArray::fromStdString(defaults_.string(key(what))));
 }
 
-void ManagedWindow::closeEvent(QCloseEvent* event) {
-    QMainWindow::closeEvent(event);
+void ManagedWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Close)) {
+        close();
+    } else {
+        QMainWindow::keyPressEvent(event);
+    }
 }
 
 void ManagedWindow::hideEvent(QHideEvent* event) {

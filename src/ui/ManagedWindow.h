@@ -27,7 +27,8 @@ protected:
     void remember(std::string_view what, const QByteArray& state);
     [[nodiscard]] QByteArray remembered(std::string_view what) const;
 
-    void closeEvent(QCloseEvent* event) override;
+    /// The usual key closes it.
+    void keyPressEvent(QKeyEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:

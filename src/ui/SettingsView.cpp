@@ -11,6 +11,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QScrollArea>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -20,7 +21,9 @@ namespace velmora {
 SettingsView::SettingsView(WindowServices& services)
     : ManagedWindow(windows::settings, tr("Settings"), services.defaults),
       sections_{new GeneralSection(services), new ConnectionsSection(services), new SyncSection(services),
-                new PacProxySection(services), new UpdatesSection(services)} {
+                new PacProxySection(services)} {
+    auto* updates = new UpdatesSection(services);
+    sections_.back() = updates;
     auto* column = new QWidget;
     column->setMaximumWidth(metrics::widestColumn);
     auto* groups = new QVBoxLayout(column);
@@ -41,6 +44,10 @@ SettingsView::SettingsView(WindowServices& services)
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(content);
     setCentralWidget(scroll);
+    connect(updates, &UpdatesSection::answered, this, [scroll, updates] {
+        QTimer::singleShot(0, updates,
+                           [scroll, updates] { scroll->ensureWidgetVisible(updates); });  // once it has room
+    });
     restorePlace({680, 760});
 }
 

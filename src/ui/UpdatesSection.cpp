@@ -61,7 +61,10 @@ void UpdatesSection::addFeed(WindowServices& services) {
 
 void UpdatesSection::addCheck() {
     check_->setObjectName(QStringLiteral("checkNow"));
-    connect(check_, &QPushButton::clicked, this, [this] { updater_.check(CheckTrigger::manual); });
+    connect(check_, &QPushButton::clicked, this, [this] {
+        isAsked_ = true;
+        updater_.check(CheckTrigger::manual);
+    });
 
     addOffer();
     progress_->setObjectName(QStringLiteral("progress"));
@@ -85,7 +88,10 @@ void UpdatesSection::addCheck() {
 void UpdatesSection::addOffer() {
     available_->setObjectName(QStringLiteral("available"));
     install_->setObjectName(QStringLiteral("install"));
-    connect(install_, &QPushButton::clicked, this, [this] { updater_.install(); });
+    connect(install_, &QPushButton::clicked, this, [this] {
+        isAsked_ = true;
+        updater_.install();
+    });
     QLayout* row = growingFirst({available_, install_});
     row->setContentsMargins(0, 0, 0, 0);
     offer_->setLayout(row);
@@ -94,7 +100,12 @@ void UpdatesSection::addOffer() {
 void UpdatesSection::follow() {
     const auto follow = [this](auto& value, void (UpdatesSection::*refresh)()) {
         (this->*refresh)();
-        subscriptions_.push_back(value.observe([this, refresh] { (this->*refresh)(); }));
+        subscriptions_.push_back(value.observe([this, refresh] {
+            (this->*refresh)();
+            if (isAsked_) {
+                Q_EMIT answered();
+            }
+        }));
     };
     follow(updater_.autoUpdate(), &UpdatesSection::showSettings);
     follow(updater_.feedURL(), &UpdatesSection::showSettings);

@@ -24,6 +24,10 @@ class UpdatesSection final : public SettingsSection {
 public:
     explicit UpdatesSection(WindowServices& services);
 
+Q_SIGNALS:
+    /// There is something new to be seen of what the user asked for here.
+    void answered();
+
 private:
     void addFeed(WindowServices& services);
     void addCheck();
@@ -45,6 +49,7 @@ private:
     QProgressBar* progress_;
     QLabel* status_;
     QLabel* error_;
+    bool isAsked_ = false;                ///< the user has pressed a button here
     QWidget* focusAfterwards_ = nullptr;  ///< of the buttons, the one that was used
     std::vector<Subscription> subscriptions_;
 };

@@ -65,6 +65,13 @@ TEST_F(AboutViewTest, StandsOnTheColourOfTheWindowAndFollowsIt) {
     EXPECT_EQ(changes().palette().color(QPalette::Text), QColor(Qt::white));
 }
 
+TEST_F(AboutViewTest, EscapeClosesIt) {
+    window.setAttribute(Qt::WA_DeleteOnClose, false);
+    window.show();
+    QTest::keyClick(&changes(), Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST(ApplicationIconTest, IsDrawnSharpAtEverySize) {
     const QIcon icon = applicationIcon();
     for (const int side : {16, 48, 96, 192, 512}) {

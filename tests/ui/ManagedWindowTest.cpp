@@ -61,5 +61,13 @@ TEST(ManagedWindowTest, StandsWhereItWasClosed) {
     EXPECT_EQ(window.geometry(), QRect(70, 80, 320, 240));
 }
 
+TEST(ManagedWindowTest, TheUsualKeyClosesIt) {
+    InMemoryDefaultsStore defaults;
+    Window window(defaults);
+    window.show();
+    QTest::keySequence(&window, QKeySequence::Close);
+    EXPECT_FALSE(window.isVisible());
+}
+
 }  // namespace
 }  // namespace velmora
