@@ -119,14 +119,6 @@ TEST_F(MisbehavingSshTest, AnHeirThatHoldsThePipesHoldsUpNothing) {
     ::kill(heir, SIGKILL);
 }
 
-long residentKilobytes() {
-    std::ifstream file("/proc/self/statm");
-    long total = 0;
-    long resident = 0;
-    file >> total >> resident;
-    return resident * (::sysconf(_SC_PAGESIZE) / 1024);
-}
-
 TEST_F(MisbehavingSshTest, AGigabyteOfWordsGoesToTheLogAndNowhereElse) {
     const std::uintmax_t gigabyte = 1 << 30;
     start({{"FAKESSH_FLOOD", std::to_string(gigabyte)}, {"FAKESSH_EXIT", "255"}});
