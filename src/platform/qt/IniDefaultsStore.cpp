@@ -38,6 +38,12 @@ std::map<QString, QVariant> harmless(const std::filesystem::path& file) {
     return values;
 }
 
+/// What Qt reads back as it is. In a text it would leave out a byte order mark that comes first or behind line breaks.
+QVariant writable(const QVariant& value) {
+    const bool isAtRisk = value.typeId() == QMetaType::QString && value.toString().contains(QChar::ByteOrderMark);
+    return isAtRisk ? value.toString().toUtf8() : value;
+}
+
 /// What can be read of a file; lines that cannot are left out.
 std::map<QString, QVariant> readable(const std::filesystem::path& file) {
     const auto text = readFile(file, largest);
@@ -114,11 +120,11 @@ void IniDefaultsStore::write() {
     {
         QSettings settings(text(written), QSettings::IniFormat);
         for (const auto& [key, value] : readable(copy)) {
-            settings.setValue(key, value);
+            settings.setValue(key, writable(value));
         }
         for (const auto& [key, value] : unwritten_) {
             if (value.isValid()) {
-                settings.setValue(key, value);
+                settings.setValue(key, writable(value));
             } else {
                 settings.remove(key);
             }

@@ -65,7 +65,9 @@ TEST_F(IniDefaultsStoreTest, KeepsEveryText) {
                                          "0",
                                          "true",
                                          ";comment",
-                                         "\u2028 \u00a0"};
+                                         "\u2028 \u00a0",
+                                         "\n\uFEFFfunction\n\xc3\xa9",
+                                         "a\uFEFFb"};
     for (const std::string& text : texts) {
         open()->setString("proxyExceptions", text);
         const auto store = open();
