@@ -62,8 +62,10 @@ QColor caption(const QPalette& palette) {
 }
 
 QColor placeholder(const QPalette& palette, QPalette::ColorGroup group) {
-    return readableOn(palette.color(group, QPalette::Base), palette.color(group, QPalette::PlaceholderText),
-                      palette.color(group, QPalette::Text));
+    const QColor ink = palette.color(group, QPalette::Text);
+    const QColor inField =
+        readableOn(palette.color(group, QPalette::Base), palette.color(group, QPalette::PlaceholderText), ink);
+    return readableOn(palette.color(group, QPalette::Window), inField, ink);
 }
 
 QColor error(const QPalette& palette) {

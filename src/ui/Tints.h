@@ -21,7 +21,7 @@ namespace velmora::tints {
 /// read.
 [[nodiscard]] QColor caption(const QPalette& palette);
 
-/// The same on the ground of a field, for a field's placeholder.
+/// The same, as strong as it must be to be read in a field, too.
 [[nodiscard]] QColor placeholder(const QPalette& palette, QPalette::ColorGroup group);
 
 /// Red text that is read on a window of this palette.

@@ -32,6 +32,13 @@ TEST(ApplicationStyleTest, DrawsItsOwnSymbolsInTheColoursOfThePalette) {
     }
 }
 
+TEST(ApplicationStyleTest, AWarningIsOrangeAndButtonsHaveNoPictures) {
+    const ApplicationStyle style(*qApp);
+    EXPECT_EQ(strongest(style.standardIcon(QStyle::SP_MessageBoxWarning)).rgb(),
+              tints::warning(QApplication::palette()).rgb());
+    EXPECT_EQ(style.styleHint(QStyle::SH_DialogButtonBox_ButtonsHaveIcons), 0);
+}
+
 TEST(ApplicationStyleTest, LeavesOtherSymbolsToThePlatform) {
     const ApplicationStyle style(*qApp);
     EXPECT_EQ(style.standardIcon(QStyle::SP_DirIcon).pixmap(16).toImage(),
@@ -44,11 +51,14 @@ TEST(ApplicationStyleTest, PlaceholdersAreReadOnLightAndOnDark) {
         QPalette palette;
         palette.setColor(QPalette::Base, base);
         palette.setColor(QPalette::Text, text);
+        palette.setColor(QPalette::Window, tints::mix(base, text, 0.15F));
         palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));  // as a dark theme may leave it
         style.polish(palette);
         for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-            EXPECT_GE(tints::contrast(palette.color(group, QPalette::PlaceholderText), base), 4.5) << base;
-            EXPECT_NE(palette.color(group, QPalette::PlaceholderText), QColor(text)) << base;
+            const QColor shown = palette.color(group, QPalette::PlaceholderText);
+            EXPECT_GE(tints::contrast(shown, base), 4.5) << base;
+            EXPECT_GE(tints::contrast(shown, palette.color(QPalette::Window)), 4.5) << base;
+            EXPECT_NE(shown, QColor(text)) << base;
         }
     }
 }
