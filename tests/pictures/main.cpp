@@ -4,6 +4,7 @@
 // same each time; nothing of the user's is read or changed.
 
 #include "ui/AboutView.h"
+#include "ui/ApplicationStyle.h"
 #include "ui/ContentView.h"
 #include "ui/ExceptionsEditorView.h"
 #include "ui/FindBar.h"
@@ -22,7 +23,7 @@
 #include <QLineEdit>
 #include <QPixmap>
 #include <QScrollArea>
-#include <QStyleFactory>
+#include <QStyle>
 #include <QTest>
 
 #include <cstdio>
@@ -172,12 +173,14 @@ int run(QStringList arguments) {
         std::fputs("usage: velmora_pictures FOLDER light|dark [WINDOW]...\n", stderr);
         return 2;
     }
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new ApplicationStyle(*qApp));
     QApplication::setFont(QFont(QStringLiteral("Noto Sans"), 10));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setCursorFlashTime(0);  // the cursor stays
     if (arguments[2] == QStringLiteral("dark")) {
-        QApplication::setPalette(darkPalette());
+        QPalette colors = darkPalette();
+        QApplication::style()->polish(colors);
+        QApplication::setPalette(colors);
     }
     Photographer photographer(arguments[1], arguments[2], arguments.mid(3));
     takeAll(photographer);
