@@ -9,6 +9,7 @@
 #include <libsecret/secret.h>
 
 #include <chrono>
+#include <thread>
 #include <vector>
 
 namespace velmora {
@@ -277,6 +278,14 @@ TEST_F(FreshHomeTest, withoutADefaultCollectionNothingIsFoundAndNobodyIsAsked) {
     EXPECT_EQ(store.copyMatching(key).status, CredentialStatus::notFound);
     EXPECT_EQ(store.update(key, "secret"), CredentialStatus::notFound);
     EXPECT_EQ(store.remove(key), CredentialStatus::notFound);
+    EXPECT_EQ(prompter.timesAsked(), 0U);
+}
+
+TEST_F(FreshHomeTest, nobodyIsAskedForTheSakeOfNoPassword) {
+    passwords.save("", host);
+    EXPECT_EQ(store.add(key, ""), CredentialStatus::interactionNotAllowed);
+    EXPECT_EQ(passwords.load(host), std::nullopt);
+    std::this_thread::sleep_for(200ms);  // time for a question that must not come
     EXPECT_EQ(prompter.timesAsked(), 0U);
 }
 

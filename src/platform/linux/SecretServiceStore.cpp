@@ -107,7 +107,8 @@ CredentialStatus SecretServiceStore::add(const CredentialKey& key, std::string_v
             return CredentialStatus::notAvailable;
         }
         if (!collection || secret_collection_get_locked(collection.get()) != FALSE) {
-            return lockedAnswer(key);
+            // Saving a host without a password is no reason to ask for that of a keyring.
+            return secret.empty() ? CredentialStatus::interactionNotAllowed : lockedAnswer(key);
         }
         prompt_.keyringIsUnlocked();
         const secretservice::Attributes attributes = secretservice::attributesOf(key);
