@@ -76,17 +76,12 @@ void TunnelManager::loadSettings() {
 }
 
 void TunnelManager::loadHosts() {
-    std::error_code error;
-    if (!std::filesystem::exists(storageURL_, error)) {
-        return;
-    }
     auto bytes = readFile(storageURL_, maximumHostListSize);
     auto hosts = bytes ? decodeHosts(*bytes) : bytes.error();
     if (hosts) {
         hosts_.set(*std::move(hosts));
-    } else {
-        hostsFileUnreadable_ = true;  // silent: the program starts without hosts, and the file stays until it is saved
-    }
+        isHostsFileKnown_ = true;
+    }  // else silent: the program starts without hosts, and what is there stays until it is saved
 }
 
 void TunnelManager::connectStartupHosts() {
@@ -110,8 +105,12 @@ void TunnelManager::writeHostsFile() {
     if (!json) {
         return;  // silent: the list in memory and the file stay as they are
     }
-    keepUnreadableHostsFile();
-    std::ignore = writeFileAtomically(storageURL_, *json);  // silent: the list in memory stays
+    if (!isHostsFileKnown_) {
+        keepUnknownHostsFile();
+    }
+    if (writeFileAtomically(storageURL_, *json)) {  // else silent: the list in memory stays
+        isHostsFileKnown_ = true;
+    }
 }
 
 void TunnelManager::startServingPac() {
@@ -202,18 +201,15 @@ ImportResult TunnelManager::importFromCoreTunnel(const std::filesystem::path& fi
     return velmora::importFromCoreTunnel(file, hostListAccess());
 }
 
-/// The file that could not be read at start may be all that the user has: its bytes are kept under another name before
-/// anything is written over it.
-void TunnelManager::keepUnreadableHostsFile() {
-    if (!hostsFileUnreadable_) {
-        return;
-    }
-    hostsFileUnreadable_ = false;
+/// A file that was not read at start may be all that the user has: its bytes are kept under another name before
+/// anything is written over it. Also a file that has come since: a home may be late or out of reach when the program
+/// starts.
+void TunnelManager::keepUnknownHostsFile() {
     auto kept = storageURL_;
     kept += ".unreadable";
     std::error_code error;
     std::filesystem::copy_file(storageURL_, kept, std::filesystem::copy_options::overwrite_existing, error);
-    if (error) {
+    if (error && error != std::errc::no_such_file_or_directory) {
         std::filesystem::rename(storageURL_, kept, error);  // we may not read it, but we may move it
     }
 }

@@ -146,7 +146,7 @@ private:
     void startSharing();
     void applyFolderHosts(std::vector<SSHHost> incoming);
     void writeHostsFile();
-    void keepUnreadableHostsFile();
+    void keepUnknownHostsFile();
     [[nodiscard]] SshSettings sshSettings() const;
     [[nodiscard]] Environment resolvedEnvironment();
 
@@ -155,7 +155,7 @@ private:
     PacServer pacServer_;
     std::filesystem::path storageURL_;
     std::filesystem::path logDir_;
-    bool hostsFileUnreadable_ = false;
+    bool isHostsFileKnown_ = false;  ///< read at start, or written since
 
     Observable<std::vector<SSHHost>> hosts_;
     Observable<bool> performanceMode_{false};

@@ -75,6 +75,7 @@ TEST_F(TunnelManagerTest, HostsKeepTheirOrderOverARestart) {
     manager.save();
     EXPECT_EQ(start().hosts().get(), hosts);
     EXPECT_EQ(hosts[0].name, "c");
+    EXPECT_FALSE(std::filesystem::exists(hostsFile().string() + ".unreadable"));
 }
 
 TEST_F(TunnelManagerTest, AHostsFileThatCannotBeDecodedIsIgnoredAndKeptBeforeTheFirstSave) {
@@ -104,6 +105,50 @@ TEST_F(TunnelManagerTest, AnUnreadableFileThatIsALinkKeepsBeingOne) {
     EXPECT_TRUE(std::filesystem::is_symlink(hostsFile()));
     EXPECT_EQ(contentOf(system_.home / "real.json"), "[]");
     EXPECT_EQ(contentOf(hostsFile().string() + ".unreadable"), "precious");
+}
+
+TEST_F(TunnelManagerTest, AFileThatWasOutOfReachAtStartIsKeptBeforeItIsWrittenOver) {
+    storeHosts({hostNamed("precious")});
+    const auto precious = contentOf(hostsFile());
+    const auto folder = hostsFile().parent_path();
+    const auto away = folder.string() + ".away";
+    std::filesystem::rename(folder, away);
+    std::filesystem::create_symlink(folder, folder);  // leads nowhere, which is not the same as nothing
+    auto& manager = start();
+    EXPECT_THAT(manager.hosts().get(), IsEmpty());
+    manager.save();  // in vain
+
+    std::filesystem::remove(folder);
+    std::filesystem::rename(away, folder);
+    manager.save();
+    EXPECT_EQ(contentOf(hostsFile()), "[]");
+    EXPECT_EQ(contentOf(hostsFile().string() + ".unreadable"), precious);
+    manager.save();
+    EXPECT_EQ(contentOf(hostsFile().string() + ".unreadable"), precious) << "and what we wrote is not kept";
+}
+
+TEST_F(TunnelManagerTest, AFileThatComesAfterTheStartIsKeptBeforeItIsWrittenOver) {
+    auto& manager = start();
+    writeContent(hostsFile(), "precious");
+    manager.save();
+    EXPECT_EQ(contentOf(hostsFile()), "[]");
+    EXPECT_EQ(contentOf(hostsFile().string() + ".unreadable"), "precious");
+}
+
+TEST_F(TunnelManagerTest, WhatCannotBeCopiedIsMovedOutOfTheWay) {
+    std::filesystem::create_directories(hostsFile() / "a folder where the file should be");
+    start().save();
+    EXPECT_EQ(contentOf(hostsFile()), "[]");
+    EXPECT_TRUE(std::filesystem::exists(hostsFile().string() + ".unreadable/a folder where the file should be"));
+}
+
+TEST_F(TunnelManagerTest, ALinkToAFileThatIsNotThereYetKeepsBeingOne) {
+    std::filesystem::create_directories(hostsFile().parent_path());
+    std::filesystem::create_symlink(system_.home / "real.json", hostsFile());
+    start().save();
+    EXPECT_TRUE(std::filesystem::is_symlink(hostsFile()));
+    EXPECT_EQ(contentOf(system_.home / "real.json"), "[]");
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(hostsFile().string() + ".unreadable")));
 }
 
 TEST_F(TunnelManagerTest, AHostThatCannotBeWrittenLeavesTheFile) {
