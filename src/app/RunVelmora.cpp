@@ -44,6 +44,7 @@ void introduce() {
 int runVelmora(int argc, char** argv, const ProgramOptions& options) {
     openMissingStandardStreams();
     ignoreBrokenPipes();
+    keepEndedChildren();
     const Paths paths = Paths::ofThisUser();
     const auto directory = paths.applicationSupport / "Velmora";
     SingleInstance instance(directory);

@@ -307,6 +307,23 @@ TEST_F(ProcessLauncherTest, AProgramWhoseStandardErrorNobodyReadsRunsOn) {
     EXPECT_EQ(status, 0);
 }
 
+TEST_F(ProcessLauncherTest, AProgramStartedWithItsChildrensEndsIgnoredHearsOfThem) {
+    const pid_t program = ::fork();
+    if (program == 0) {
+        ::signal(SIGCHLD, SIG_IGN);
+        keepEndedChildren();
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::_exit(7);
+        }
+        int status = -1;
+        ::_exit(::waitpid(child, &status, 0) == child && WEXITSTATUS(status) == 7 ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(program, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(ProcessLauncherTest, NothingIsLeftOfManyProcesses) {
     const auto descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
     const auto runOne = [&] {

@@ -23,4 +23,8 @@ void ignoreBrokenPipes() {
     ::signal(SIGPIPE, SIG_IGN);
 }
 
+void keepEndedChildren() {
+    ::signal(SIGCHLD, SIG_DFL);
+}
+
 }  // namespace velmora

@@ -10,4 +10,9 @@ void openMissingStandardStreams();
 /// would end the program when the terminal or the journal behind it has gone, and every tunnel with it.
 void ignoreBrokenPipes();
 
+/// Makes a child that has ended wait to be asked how. A program may be started with SIGCHLD ignored; the system then
+/// forgets every exit status, and gives a child's number to another process while we still take it for ours. To be
+/// called before anything is started.
+void keepEndedChildren();
+
 }  // namespace velmora
