@@ -25,7 +25,6 @@ struct ChildPlan {
     std::array<int, 3> streams{};
     bool dieWithParent = false;
     pid_t parent = -1;
-    sigset_t signalMask{};
     volatile int error = 0;
 };
 
@@ -41,14 +40,17 @@ bool placeStreams(const std::array<int, 3>& streams) {
     return true;
 }
 
-/// Handlers that the application installed must not run here: they would run in the application's memory.
-void restoreSignals(const sigset_t& mask) {
+/// Handlers that the application installed must not run here: they would run in the application's memory. And what the
+/// application was started with, ignored or blocked, is not the program's to bear: ssh could not be asked to end.
+void restoreSignals() {
     struct sigaction byDefault {};
     byDefault.sa_handler = SIG_DFL;
-    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGCHLD}) {
-        ::sigaction(number, &byDefault, nullptr);
+    for (int number = 1; number < NSIG; ++number) {
+        ::sigaction(number, &byDefault, nullptr);  // refused for the few that cannot be changed
     }
-    ::sigprocmask(SIG_SETMASK, &mask, nullptr);
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 /// Runs in the new process on a stack of its own: system calls only, no allocation, no way back.
@@ -63,7 +65,7 @@ __attribute__((no_sanitize("address", "thread", "undefined"))) int runChild(void
     ::setsid();
     if (placeStreams(plan.streams)) {
         ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
-        restoreSignals(plan.signalMask);
+        restoreSignals();
         ::execve(plan.program, plan.arguments, plan.environment);
     }
     plan.error = errno;
@@ -81,8 +83,6 @@ public:
     AllSignalsBlocked(const AllSignalsBlocked&) = delete;
     AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
     ~AllSignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
-
-    [[nodiscard]] const sigset_t& previous() const { return previous_; }
 
 private:
     sigset_t previous_{};
@@ -113,7 +113,6 @@ Result<SpawnedProcess, Error> spawn(const SpawnRequest& request) {
     plan.streams = {request.standardInput, request.standardOutput, request.standardError};
     plan.dieWithParent = request.whenParentDies == WhenParentDies::terminate;
     plan.parent = ::getpid();
-    plan.signalMask = blocked.previous();
 
     // As posix_spawn does it, which has no way to ask for the parent-death signal.
     int exitDescriptor = -1;
