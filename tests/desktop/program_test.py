@@ -6,7 +6,8 @@ import signal
 import stat
 import time
 
-from desktop import PROGRAM, Item, Watcher, host, run_tests, runs, ssh_children, stays, wait_until
+from desktop import (PROGRAM, Item, Watcher, host, read_lines, refusing_host, run_tests, runs, ssh_children, ssh_pids,
+                     stays, wait_until)
 
 
 def started(desktop, hosts):
@@ -114,6 +115,25 @@ def sighup_ends_it_in_order(desktop):
     ends_at_once(desktop, signal.SIGHUP)
 
 
+def ignore_and_block():
+    signal.signal(signal.SIGCHLD, signal.SIG_IGN)
+    signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGTERM, signal.SIGINT, signal.SIGHUP})
+
+
+def what_it_was_started_with_ignored_and_blocked_changes_nothing(desktop):
+    desktop.program_options["preexec_fn"] = ignore_and_block
+    program, item, _ = started(desktop, [host("web"), refusing_host("refused")])
+    item.click("Connect All")
+    log = os.path.join(desktop.home, ".local/state/Logs/Velmora/refused.log")
+    wait_until(lambda: "[exit 255]" in read_lines(log), "it learns how one ended")
+    pids = ssh_pids(program)
+    assert pids
+    item.click("Disconnect All")
+    wait_until(lambda: not any(runs(pid) for pid in pids), "the other has ended")
+    program.terminate()
+    assert program.wait(5) == 0
+
+
 def closing_the_window_does_not_end_it(desktop):
     program, item, _ = started(desktop, [])
     item.click("Open Main Window")
@@ -196,6 +216,7 @@ if __name__ == "__main__":
         sigterm_ends_it_in_order,
         sigint_ends_it_in_order,
         sighup_ends_it_in_order,
+        what_it_was_started_with_ignored_and_blocked_changes_nothing,
         closing_the_window_does_not_end_it,
         ctrl_q_in_the_window_ends_it,
         the_network_and_the_keyring_are_loaded_when_they_are_needed,

@@ -2,6 +2,7 @@
 #include "platform/posix/SignalWatcher.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
@@ -28,6 +29,29 @@ TEST(SignalWatcher, EachEndingSignalAsksToQuit) {
         ++expected;
         EXPECT_TRUE(waitFor([&] { return quits == expected; })) << number;
     }
+}
+
+TEST(SignalWatcher, AProgramStartedWithTheSignalsBlockedStillEnds) {
+    sigset_t ending;
+    sigset_t before;
+    ::sigemptyset(&ending);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        ::sigaddset(&ending, number);
+    }
+    ::pthread_sigmask(SIG_BLOCK, &ending, &before);
+    {
+        IoThread io;  // starts with what is blocked here
+        CountingScheduler scheduler;
+        std::atomic<int> quits = 0;
+        const SignalWatcher watcher(io, scheduler, [&] { ++quits; });
+        int expected = 0;
+        for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+            ::kill(::getpid(), number);
+            ++expected;
+            ASSERT_TRUE(waitFor([&] { return quits == expected; })) << number;
+        }
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 }  // namespace

@@ -8,7 +8,14 @@
 namespace velmora {
 
 SignalWatcher::SignalWatcher(IoThread& io, Scheduler& scheduler, std::function<void()> quit)
-    : io_(io), scheduler_(scheduler), quit_(std::move(quit)), signals_(io.context(), SIGTERM, SIGINT, SIGHUP) {
+    : io_(io), scheduler_(scheduler), quit_(std::move(quit)), signals_(io.context()) {
+    sigset_t watched;
+    ::sigemptyset(&watched);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        signals_.add(number);
+        ::sigaddset(&watched, number);
+    }
+    ::pthread_sigmask(SIG_UNBLOCK, &watched, nullptr);  // whoever started the program may have had them blocked
     boost::asio::post(io_.context(), [this] { wait(); });
 }
 

@@ -10,7 +10,7 @@
 namespace velmora {
 
 /// Turns the signals that end a program (SIGTERM, SIGINT, SIGHUP) into a call on the main thread. Each signal, each
-/// time.
+/// time, also when the program was started with them blocked: the thread that makes the watcher lets them through.
 class SignalWatcher final {
 public:
     /// The I/O thread and the scheduler outlive the watcher.
