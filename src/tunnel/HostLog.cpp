@@ -10,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <optional>
+#include <utility>
 
 namespace velmora {
 
@@ -22,6 +23,16 @@ constexpr std::size_t longestReason = 4096;
 bool isFile(const UniqueFd& fd) {
     struct stat status {};
     return ::fstat(fd.get(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// No descriptor when there is no such log.
+UniqueFd openLog(const std::filesystem::path& path, int mode) {
+    if (path.native().find('\0') != std::string::npos) {
+        return {};  // the system would take the file that is named up to there, which need not be a log
+    }
+    // O_NONBLOCK: a FIFO in the place of the log must not stop the tunnel.
+    UniqueFd fd(::open(path.c_str(), mode | O_CLOEXEC | O_NONBLOCK, logFileMode));
+    return fd && isFile(fd) ? std::move(fd) : UniqueFd();
 }
 
 /// Without the first bytes of a last character whose other bytes are missing.
@@ -100,8 +111,8 @@ private:
 };
 
 std::optional<std::string> firstKeptLine(const std::filesystem::path& path) {
-    const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!fd || !isFile(fd)) {
+    const auto fd = openLog(path, O_RDONLY);
+    if (!fd) {
         return std::nullopt;
     }
     ReasonFinder finder;
@@ -130,12 +141,8 @@ std::filesystem::path hostLogPath(const std::filesystem::path& logDirectory, con
 }
 
 void appendToLog(const std::filesystem::path& path, std::string_view bytes) {
-    if (path.native().find('\0') != std::string::npos) {
-        return;  // the system would write to the file that is named up to there, which need not be a log
-    }
-    // O_NONBLOCK: a FIFO in the place of the log must not stop the tunnel.
-    const UniqueFd fd(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, logFileMode));
-    if (!fd || !isFile(fd)) {
+    const auto fd = openLog(path, O_WRONLY | O_CREAT | O_APPEND);
+    if (!fd) {
         return;
     }
     while (!bytes.empty()) {

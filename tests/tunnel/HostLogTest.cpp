@@ -50,8 +50,10 @@ TEST(HostLog, AFifoIsNoLogEvenWhenSomebodyReadsIt) {
 TEST(HostLog, ANameWithAZeroByteHasNoLogAndNamesNoOtherFile) {
     const TemporaryDirectory directory;
     writeContent(directory / "precious", "mine");
-    appendToLog(hostLogPath(directory.path(), std::string("precious\0x", 10)), "ssh said this\n");
+    const auto log = hostLogPath(directory.path(), std::string("precious\0x", 10));
+    appendToLog(log, "ssh said this\n");
     EXPECT_EQ(contentOf(directory / "precious"), "mine");
+    EXPECT_EQ(exitReason(log, 255), "Exited (code 255)") << "and does not tell what stands there";
 }
 
 TEST(HostLog, AReasonThatIsLongEnoughIsNotReadToItsEnd) {
