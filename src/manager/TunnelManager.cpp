@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <system_error>
 
 namespace velmora {
 
@@ -54,18 +55,24 @@ TunnelManager::TunnelManager(Platform platform)
 }
 
 TunnelManager::~TunnelManager() {
-    abandonedScripts_.join();
+    if (abandonedScripts_.joinable()) {
+        abandonedScripts_.join();
+    }
 }
 
 /// On a thread of its own: a temporary folder may hold tens of thousands of files.
 void TunnelManager::removeAbandonedScripts() {
     auto directories = platform_.paths.otherTemporaries;
     directories.insert(platform_.paths.temporary);
-    abandonedScripts_ = std::thread([directories = std::move(directories)] {
-        for (const auto& directory : directories) {
-            removeAbandonedAskpassScripts(directory);
-        }
-    });
+    try {
+        abandonedScripts_ = std::thread([directories = std::move(directories)] {
+            for (const auto& directory : directories) {
+                removeAbandonedAskpassScripts(directory);
+            }
+        });
+    } catch (const std::system_error&) {
+        return;  // no thread to be had: the scripts stay until the next start
+    }
 }
 
 void TunnelManager::loadSettings() {
