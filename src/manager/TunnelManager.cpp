@@ -287,7 +287,7 @@ Environment TunnelManager::resolvedEnvironment() {
         return environment;
     }
     const auto answer = platform_.runner.run("/bin/launchctl", {"getenv", agentSocket});
-    if (!answer) {
+    if (!answer || !isValidUtf8(answer->standardOutput)) {
         return environment;
     }
     if (const auto socket = trimWhitespaceAndNewlines(answer->standardOutput); !socket.empty()) {

@@ -321,14 +321,16 @@ TEST_F(TunnelManagerTest, AMissingAgentSocketIsAskedOfTheSession) {
                                                            std::vector<std::string>{"getenv", "SSH_AUTH_SOCK"})));
 }
 
-TEST_F(TunnelManagerTest, WithoutAnAnswerTheEnvironmentStaysAsItIs) {
+TEST_F(TunnelManagerTest, WithoutAnAnswerInTextTheEnvironmentStaysAsItIs) {
     system_.environment = {{"HOME", "/x"}};
     storeHosts({hostNamed("a")});
     start();
     EXPECT_EQ(system_.launcher.last().environment, system_.environment);
-    system_.runner.answers["/bin/launchctl"] = {.status = 0, .standardOutput = "\n", .standardError = {}};
-    start();
-    EXPECT_EQ(system_.launcher.last().environment, system_.environment);
+    for (const std::string answer : {"\n", "/private/\xFF\n"}) {
+        system_.runner.answers["/bin/launchctl"] = {.status = 0, .standardOutput = answer, .standardError = {}};
+        start();
+        EXPECT_EQ(system_.launcher.last().environment, system_.environment) << testing::PrintToString(answer);
+    }
 }
 
 // ---- queries ----
