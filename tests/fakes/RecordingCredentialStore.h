@@ -2,6 +2,7 @@
 
 #include "platform/CredentialStore.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -30,6 +31,7 @@ public:
     std::optional<CredentialStatus> updateAnswer;
     std::optional<CredentialStatus> addAnswer;
     std::optional<CredentialStatus> removeAnswer;
+    std::function<void()> onRemove = [] {};  ///< looks around when an item is about to go
 
     Credential copyMatching(const CredentialKey& key) override {
         record("copyMatching", key, {});
@@ -64,6 +66,7 @@ public:
 
     CredentialStatus remove(const CredentialKey& key) override {
         record("remove", key, {});
+        onRemove();
         if (removeAnswer) {
             return *removeAnswer;
         }

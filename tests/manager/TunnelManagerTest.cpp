@@ -282,6 +282,24 @@ TEST_F(TunnelManagerTest, DeletingAConnectedHostStopsItAndForgetsItsPassword) {
     EXPECT_TRUE(std::filesystem::is_empty(system_.runtime.path()));
 }
 
+TEST_F(TunnelManagerTest, AHostThatIsDeletedLosesItsPasswordLastOfAllBeforeTheFileIsWritten) {
+    const auto host = hostNamed("a");
+    storeHosts({host});
+    auto& manager = start();
+    system_.scheduler.advance(3s);
+    int removals = 0;
+    system_.credentials.onRemove = [&] {
+        ++removals;
+        EXPECT_EQ(system_.launcher.process(0).terminations, 1);
+        EXPECT_THAT(manager.hosts().get(), IsEmpty());
+        EXPECT_FALSE(manager.statuses()->contains(host.id));
+        EXPECT_EQ(*decodeHosts(contentOf(hostsFile())), std::vector{host});
+    };
+    manager.deleteHost(host.id);
+    EXPECT_EQ(removals, 1);
+    EXPECT_EQ(contentOf(hostsFile()), "[]");
+}
+
 TEST_F(TunnelManagerTest, DeletingAHostInTheWaitLeavesNoRetry) {
     const auto host = hostNamed("a");
     storeHosts({host});
