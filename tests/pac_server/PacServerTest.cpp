@@ -1,4 +1,5 @@
 #include "PacClient.h"
+#include "fakes/Waiting.h"
 #include "pac/PacServer.h"
 
 #include <gmock/gmock.h>
@@ -120,6 +121,29 @@ TEST_F(PacServerTest, SilentClientGetsTheContentOfTheTimeWhenItSpeaks) {
     server.setContent("later");
     ASSERT_TRUE(client.send(request));
     expectScript(client.receiveAll(), "later");
+}
+
+/// The other end of a client's connection, which is in this process too; -1 while it is not there yet.
+int serverSideOf(const PacClient& client) {
+    constexpr int beyondAny = 1024;
+    for (int descriptor = 0; descriptor < beyondAny; ++descriptor) {
+        sockaddr_in6 peer{};
+        socklen_t size = sizeof peer;
+        if (::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) == 0 &&
+            ntohs(peer.sin6_port) == client.localPort()) {
+            return descriptor;
+        }
+    }
+    return -1;
+}
+
+TEST_F(PacServerTest, NoticesInTheEndWhenASilentClientHasVanished) {
+    const PacClient client(port);
+    ASSERT_TRUE(waitFor([&] { return serverSideOf(client) >= 0; }));
+    int keepsAlive = 0;
+    socklen_t size = sizeof keepsAlive;
+    ::getsockopt(serverSideOf(client), SOL_SOCKET, SO_KEEPALIVE, &keepsAlive, &size);
+    EXPECT_NE(keepsAlive, 0);
 }
 
 TEST_F(PacServerTest, SurvivesClientsThatConnectAndClose) {
