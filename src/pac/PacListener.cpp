@@ -1,6 +1,7 @@
 #include "pac/PacListener.h"
 
 #include "platform/Sockets.h"
+#include "platform/ThreadName.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/ip/v6_only.hpp>
@@ -72,6 +73,7 @@ PacListener::~PacListener() {
 }
 
 void PacListener::run() {
+    nameThread("com.velmora.pac-server");
     while (context_.run_one() > 0) {
         do {
             std::this_thread::sleep_for(busyPause);

@@ -1,11 +1,14 @@
 #include "PacClient.h"
 #include "fakes/Waiting.h"
+#include "pac/PacListener.h"
 #include "pac/PacServer.h"
 
 #include <gmock/gmock.h>
 #include <ifaddrs.h>
 #include <netdb.h>
+#include <pthread.h>
 
+#include <array>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -239,6 +242,18 @@ TEST_F(PacServerTest, PortInUseIsSilentAndTheUrlIsStillShown) {
     second.setContent("kept");
     EXPECT_EQ(second.content(), "kept");
     expectFallback(fetch(port));
+}
+
+TEST(PacListenerTest, ItsThreadSaysWhatItIs) {
+    std::array<char, 64> name{};
+    auto listener = PacListener::listen(0, [&] {
+        ::pthread_getname_np(::pthread_self(), name.data(), name.size());
+        return std::make_shared<const std::string>("answer");
+    });
+    ASSERT_NE(listener, nullptr);
+    EXPECT_EQ(fetch(listener->port()).header, "answer");
+    listener.reset();
+    EXPECT_THAT(name.data(), ::testing::EndsWith("pac-server"));
 }
 
 TEST(PacServerPortTest, UrlNamesThePortBeforeItIsListenedOn) {
