@@ -3,6 +3,7 @@
 #include "base/AtomicFile.h"
 #include "base/Text.h"
 #include "model/HostJson.h"
+#include "model/HostsFile.h"
 #include "pac/PacGenerator.h"
 #include "pac/PacImporter.h"
 #include "pac/ProxyExceptions.h"
@@ -80,9 +81,7 @@ void TunnelManager::loadHosts() {
     if (!std::filesystem::exists(storageURL_, error)) {
         return;
     }
-    auto bytes = readFile(storageURL_, maximumHostListSize);
-    auto hosts = bytes ? decodeHosts(*bytes) : bytes.error();
-    if (hosts) {
+    if (auto hosts = readHostsFile(storageURL_)) {
         hosts_.set(*std::move(hosts));
     } else {
         hostsFileUnreadable_ = true;  // silent: the program starts without hosts, and the file stays until it is saved
