@@ -4,7 +4,8 @@ request, both again with idle connections held open, and the memory that those t
 
     pac_server.py DIRECTORY_OF_PROGRAMS [rounds] [requests]
 
-Takes the middle value of the rounds, in which the servers take turns. Needs pacserve, pacload and nginx."""
+Takes the middle value of the rounds, in which the servers take turns. Needs pacserve, pacload and nginx, and a hard
+limit of 15,300 open files (ulimit -Hn)."""
 import os
 import pathlib
 import resource
@@ -126,6 +127,8 @@ def main():
     rounds = int(sys.argv[2]) if len(sys.argv) > 2 else 9
     requests = int(sys.argv[3]) if len(sys.argv) > 3 else 40000
     hard = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
+    if hard < 3 * (IDLE + 2 * AT_ONCE):
+        sys.exit(f"{hard} descriptors are too few: Velmora gives a third of them to connections")
     resource.setrlimit(resource.RLIMIT_NOFILE, (hard, hard))
     load = programs / "pacload"
 

@@ -18,9 +18,21 @@ namespace fs = std::filesystem;
 constexpr mode_t privateFileMode = 0600;
 constexpr mode_t privateDirectoryMode = 0700;
 constexpr mode_t permissionBits = 07777;
+constexpr unsigned ownersBits = 0700;
 
 Error systemError(const fs::path& path, int code) {
     return {path.string() + ": " + std::generic_category().message(code)};
+}
+
+/// Gives an own file its mode. Some file systems, such as shares on a network, refuse to change one; then a file that
+/// lets nobody but the owner do more than it should is good enough.
+bool setMode(int fd, mode_t mode) {
+    struct stat status {};
+    if (::fstat(fd, &status) != 0) {
+        return false;
+    }
+    const unsigned excess = status.st_mode & permissionBits & ~unsigned{mode};
+    return (status.st_mode & permissionBits) == mode || ::fchmod(fd, mode) == 0 || (excess & ~ownersBits) == 0;
 }
 
 /// Removes the temporary file unless the rename has happened.
@@ -50,7 +62,7 @@ public:
             }
             bytes.remove_prefix(static_cast<std::size_t>(count));
         }
-        return ::fchmod(fd_.get(), mode) == 0 && ::fsync(fd_.get()) == 0;
+        return setMode(fd_.get(), mode) && ::fsync(fd_.get()) == 0;
     }
 
     [[nodiscard]] bool renameTo(const fs::path& target) {

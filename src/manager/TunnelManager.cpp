@@ -3,6 +3,7 @@
 #include "base/AtomicFile.h"
 #include "base/Text.h"
 #include "model/HostJson.h"
+#include "model/HostsFile.h"
 #include "pac/PacGenerator.h"
 #include "pac/PacImporter.h"
 #include "pac/ProxyExceptions.h"
@@ -83,9 +84,7 @@ void TunnelManager::loadSettings() {
 }
 
 void TunnelManager::loadHosts() {
-    auto bytes = readFile(storageURL_, maximumHostListSize);
-    auto hosts = bytes ? decodeHosts(*bytes) : bytes.error();
-    if (hosts) {
+    if (auto hosts = readHostsFile(storageURL_)) {
         hosts_.set(*std::move(hosts));
         isHostsFileKnown_ = true;
     }  // else silent: the program starts without hosts, and what is there stays until it is saved

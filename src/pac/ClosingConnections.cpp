@@ -26,16 +26,15 @@ void ClosingConnections::add(UniqueFd socket) {
     lookLater();
 }
 
-bool ClosingConnections::makeRoom() {
-    if (connections_.empty()) {
-        return false;
-    }
+std::size_t ClosingConnections::makeRoom(std::size_t wanted) {
     const auto before = connections_.size();
     closeDone();
-    if (connections_.size() == before) {
-        connections_.erase(connections_.begin());
+    const auto closed = before - connections_.size();
+    if (closed < wanted) {
+        const auto oldest = std::min(wanted - closed, connections_.size());
+        connections_.erase(connections_.begin(), connections_.begin() + static_cast<std::ptrdiff_t>(oldest));
     }
-    return true;
+    return before - connections_.size();
 }
 
 bool ClosingConnections::isDone(Connection& connection, Clock::time_point now) {

@@ -27,8 +27,10 @@ public:
     /// The socket does not wait.
     void add(UniqueFd socket);
 
-    /// Closes those that can be closed, or else the oldest. False when there is none.
-    [[nodiscard]] bool makeRoom();
+    [[nodiscard]] std::size_t size() const { return connections_.size(); }
+
+    /// Closes those that can be closed, and when that were fewer than wanted also the oldest. How many.
+    std::size_t makeRoom(std::size_t wanted);
 
 private:
     using Clock = std::chrono::steady_clock;

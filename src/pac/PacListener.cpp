@@ -1,13 +1,16 @@
 #include "pac/PacListener.h"
 
 #include "platform/Sockets.h"
+#include "platform/ThreadName.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/ip/v6_only.hpp>
 #include <boost/asio/write.hpp>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <utility>
@@ -22,6 +25,10 @@ namespace {
 /// How many connections are taken in one go before those that are there get their turn.
 constexpr std::size_t acceptBatch = 64;
 
+/// What connections may take of all that this process may open.
+constexpr rlim_t shareOfDescriptors = 3;
+constexpr rlim_t enoughConnections = 10'000;
+
 /// The wait for a descriptor when none of ours could be given up.
 constexpr std::chrono::milliseconds retryDelay{100};
 
@@ -31,6 +38,13 @@ constexpr std::chrono::microseconds busyPause{50};
 
 bool ranOut(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
+
+std::size_t connectionLimit() {
+    rlimit descriptors{};
+    ::getrlimit(RLIMIT_NOFILE, &descriptors);
+    return static_cast<std::size_t>(
+        std::clamp<rlim_t>(descriptors.rlim_cur / shareOfDescriptors, 1, enoughConnections));
 }
 
 }  // namespace
@@ -49,7 +63,7 @@ std::unique_ptr<PacListener> PacListener::listen(std::uint16_t port, Source sour
     }
 }
 
-PacListener::PacListener(Source source) : source_(std::move(source)) {}
+PacListener::PacListener(Source source) : source_(std::move(source)), mostConnections_(connectionLimit()) {}
 
 PacListener::~PacListener() {
     context_.stop();
@@ -59,6 +73,7 @@ PacListener::~PacListener() {
 }
 
 void PacListener::run() {
+    nameThread("com.velmora.pac-server");
     while (context_.run_one() > 0) {
         do {
             std::this_thread::sleep_for(busyPause);
@@ -79,6 +94,10 @@ bool PacListener::open(std::uint16_t port) {
         ::fcntl(acceptor_.native_handle(), F_SETFD, FD_CLOEXEC);
         // Or connections of a program that has just ended would keep the port for a minute.
         acceptor_.set_option(asio::socket_base::reuse_address(true), error);
+    }
+    if (!error) {
+        // For its connections, which take it over: a client that vanished without a word is noticed in the end.
+        acceptor_.set_option(asio::socket_base::keep_alive(true), error);
     }
     if (!error) {
         acceptor_.native_non_blocking(true, error);
@@ -104,13 +123,13 @@ void PacListener::waitForConnections() {
 }
 
 void PacListener::acceptConnections() {
-    while (accepted_.size() < acceptBatch) {
+    while (accepted_.size() < std::min(acceptBatch, mostConnections_)) {
         UniqueFd socket = acceptConnection(acceptor_.native_handle());
         if (socket) {
             accepted_.push_back(std::move(socket));
         } else if (ranOut(errno)) {
             serveAccepted();
-            if (!makeRoom()) {
+            if (!makeRoom(1)) {
                 retry_.expires_after(retryDelay);
                 retry_.async_wait([this](const ErrorCode&) { waitForConnections(); });
                 return;
@@ -128,19 +147,25 @@ void PacListener::serveAccepted() {
         serve(std::move(socket));
     }
     accepted_.clear();
+    closeExcess();
 }
 
-bool PacListener::makeRoom() {
-    if (closing_.makeRoom()) {  // they have their answer
-        return true;
+void PacListener::closeExcess() {
+    const auto open = waiting_.size() + closing_.size();
+    if (open > mostConnections_) {
+        (void)makeRoom(open - mostConnections_);
     }
-    if (waiting_.empty()) {
-        return false;
+}
+
+/// False when nothing could be closed.
+bool PacListener::makeRoom(std::size_t wanted) {
+    auto closed = closing_.makeRoom(wanted);  // they have their answer
+    for (; closed < wanted && !waiting_.empty(); ++closed) {
+        ErrorCode error;
+        waiting_.front().socket.close(error);
+        closed_.splice(closed_.end(), waiting_, waiting_.begin());
     }
-    ErrorCode error;
-    waiting_.front().socket.close(error);
-    closed_.splice(closed_.end(), waiting_, waiting_.begin());
-    return true;
+    return closed > 0;
 }
 
 void PacListener::serve(UniqueFd socket) {

@@ -24,6 +24,10 @@ namespace velmora {
 
 /// Answers every connection to a port with the same bytes, as soon as the client has sent anything or has closed its
 /// side. A thread of its own does it all and sleeps while nothing happens.
+///
+/// Connections take at most a third of the descriptors that the process may have, and at most 10,000, so that clients
+/// who say nothing leave it enough to start programs with. A new client is worth more than those that have their answer
+/// and then than the one that has waited longest; they are closed for it.
 class PacListener final {
 public:
     /// Header and body of an answer that starts now. Called on the listener's thread.
@@ -64,7 +68,8 @@ private:
     void waitForConnections();
     void acceptConnections();
     void serveAccepted();
-    [[nodiscard]] bool makeRoom();
+    void closeExcess();
+    [[nodiscard]] bool makeRoom(std::size_t wanted);
     void serve(UniqueFd socket);
     void waitForRequest(UniqueFd socket);
     void answer(UniqueFd socket, ClientSide client);
@@ -78,6 +83,7 @@ private:
     boost::asio::basic_socket_acceptor<Tcp, Executor> acceptor_{context_.get_executor()};
     Timer retry_{context_.get_executor()};
     std::uint16_t port_ = 0;
+    const std::size_t mostConnections_;
     std::vector<UniqueFd> accepted_;  // a moment ago
     std::list<Waiting> waiting_;      // longest idle first
     std::list<Waiting> closed_;       // until the operation that they waited for has come back

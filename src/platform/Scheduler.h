@@ -32,7 +32,8 @@ public:
     /// Runs a task once on the main thread after a delay on the monotonic clock, never early. Main thread.
     [[nodiscard]] virtual TimerHandle after(std::chrono::milliseconds delay, Task task) = 0;
 
-    /// Runs a task on the main thread again and again. Main thread.
+    /// Runs a task on the main thread again and again, without drift. A task that takes longer than the interval makes
+    /// the next run wait for a whole interval after its end, so that others get their turn. Main thread.
     [[nodiscard]] virtual TimerHandle every(std::chrono::milliseconds interval, Task task) = 0;
 
     /// Runs a task on the main thread soon, after those posted before it. Any thread. What is still waiting when the

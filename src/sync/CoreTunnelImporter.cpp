@@ -22,7 +22,7 @@ namespace json = boost::json;
 
 using Options = std::map<std::string_view, std::string_view>;
 
-struct Forwarding {
+struct CTForwarding {
     std::string_view type;
     std::optional<std::string_view> bindAddress;
     std::optional<std::int64_t> bindPort;
@@ -32,15 +32,19 @@ struct Forwarding {
     std::optional<bool> enabled;
 };
 
-struct Profile {
+struct CTProfile {
     std::string_view name;
     std::string_view address;
     std::optional<std::int64_t> port;
     std::optional<std::string_view> user;
     std::optional<bool> autoConnect;
-    std::optional<std::vector<Forwarding>> forwardings;
+    std::optional<std::vector<CTForwarding>> forwardings;
     std::optional<Options> options;
     std::optional<std::string_view> identityFile;
+};
+
+struct CTBackup {
+    std::vector<CTProfile> profiles;
 };
 
 // Each reader is false when the value is not of the type.
@@ -76,8 +80,8 @@ bool read(const json::value& value, Options& out) {
     return true;
 }
 
-bool read(const json::value& value, Forwarding& out);
-bool read(const json::value& value, Profile& out);
+bool read(const json::value& value, CTForwarding& out);
+bool read(const json::value& value, CTProfile& out);
 
 template <typename Element>
 bool read(const json::value& value, std::vector<Element>& out) {
@@ -106,7 +110,7 @@ bool readOptional(const json::object& object, std::string_view key, std::optiona
     return value == nullptr || value->is_null() || read(*value, out.emplace());
 }
 
-bool read(const json::value& value, Forwarding& out) {
+bool read(const json::value& value, CTForwarding& out) {
     const auto* object = value.if_object();
     return object != nullptr && readRequired(*object, "type", out.type) &&
            readOptional(*object, "bindAddress", out.bindAddress) && readOptional(*object, "bindPort", out.bindPort) &&
@@ -115,13 +119,18 @@ bool read(const json::value& value, Forwarding& out) {
            readOptional(*object, "enabled", out.enabled);
 }
 
-bool read(const json::value& value, Profile& out) {
+bool read(const json::value& value, CTProfile& out) {
     const auto* object = value.if_object();
     return object != nullptr && readRequired(*object, "name", out.name) &&
            readRequired(*object, "address", out.address) && readOptional(*object, "port", out.port) &&
            readOptional(*object, "user", out.user) && readOptional(*object, "autoConnect", out.autoConnect) &&
            readOptional(*object, "forwardings", out.forwardings) && readOptional(*object, "options", out.options) &&
            readOptional(*object, "identityFile", out.identityFile);
+}
+
+bool read(const json::value& value, CTBackup& out) {
+    const auto* object = value.if_object();
+    return object != nullptr && readRequired(*object, "profiles", out.profiles);
 }
 
 // ---- what it means ----
@@ -145,7 +154,7 @@ ForwardingType forwardingType(std::string_view text) {
     return ForwardingType::dynamic;
 }
 
-ForwardingRule convertRule(const Forwarding& forwarding) {
+ForwardingRule convertRule(const CTForwarding& forwarding) {
     ForwardingRule rule;
     rule.type = forwardingType(forwarding.type);
     rule.bindAddress = forwarding.bindAddress.value_or("");
@@ -182,7 +191,7 @@ std::int64_t integerOption(const Options& options, std::string_view name, std::i
     return option == options.end() ? otherwise : integerFromText(option->second).value_or(otherwise);
 }
 
-SSHHost convert(const Profile& profile) {
+SSHHost convert(const CTProfile& profile) {
     SSHHost host;
     host.name = profile.name;
     host.hostname = profile.address;
@@ -214,14 +223,13 @@ std::string_view description(ImportError) {
 
 Result<std::vector<SSHHost>, ImportError> CoreTunnelImporter::decode(std::string_view bytes) {
     const auto document = JsonDocument::parse(bytes, maximumHostListSize);
-    const auto* backup = document ? document->root().if_object() : nullptr;
-    std::vector<Profile> profiles;
-    if (backup == nullptr || !readRequired(*backup, "profiles", profiles)) {
+    CTBackup backup;
+    if (!document || !read(document->root(), backup)) {
         return ImportError::invalidFile;
     }
     std::vector<SSHHost> hosts;
-    hosts.reserve(profiles.size());
-    for (const auto& profile : profiles) {
+    hosts.reserve(backup.profiles.size());
+    for (const auto& profile : backup.profiles) {
         hosts.push_back(convert(profile));
     }
     return hosts;

@@ -2,6 +2,7 @@
 
 #include "base/AtomicFile.h"
 #include "model/HostJson.h"
+#include "model/HostsFile.h"
 
 #include <chrono>
 #include <string_view>
@@ -26,12 +27,8 @@ std::optional<fs::file_time_type> modificationDate(const fs::path& file) {
 /// The hosts in a file that had the given date before. A file that is being changed meanwhile counts as undecodable:
 /// its beginning and its end may not belong together.
 std::optional<std::vector<SSHHost>> readHosts(const fs::path& file, fs::file_time_type date) {
-    const auto bytes = readFile(file, maximumHostListSize);
-    if (!bytes || modificationDate(file) != date) {
-        return std::nullopt;
-    }
-    auto hosts = decodeHosts(*bytes);
-    return hosts ? std::optional(*std::move(hosts)) : std::nullopt;
+    auto hosts = readHostsFile(file);
+    return hosts && modificationDate(file) == date ? std::optional(*std::move(hosts)) : std::nullopt;
 }
 
 fs::path withoutTrailingSeparator(const fs::path& folder) {

@@ -3,6 +3,7 @@
 #include "base/AtomicFile.h"
 #include "base/Localized.h"
 #include "model/HostJson.h"
+#include "model/HostsFile.h"
 #include "sync/Backup.h"
 #include "sync/CoreTunnelImporter.h"
 
@@ -14,15 +15,6 @@ namespace {
 
 ImportResult resultOf(std::size_t imported, std::size_t inFile) {
     return {.imported = static_cast<std::int64_t>(imported), .skipped = static_cast<std::int64_t>(inFile - imported)};
-}
-
-std::optional<std::vector<SSHHost>> readBackup(const std::filesystem::path& file) {
-    const auto bytes = readFile(file, maximumHostListSize);
-    if (!bytes) {
-        return std::nullopt;
-    }
-    auto hosts = decodeHosts(*bytes);
-    return hosts ? std::optional(*std::move(hosts)) : std::nullopt;
 }
 
 }  // namespace
@@ -41,7 +33,10 @@ void exportTunnels(FilePanels& panels, const HostListAccess& list) {
 std::optional<ImportResult> importVelmoraFile(FilePanels& panels, const HostListAccess& list) {
     const auto file = panels.chooseFileToOpen(localized("velmora::FilePanels", "Select Velmora Backup"),
                                               localized("velmora::FilePanels", "Choose a velmora-backup.json file"));
-    auto candidates = file ? readBackup(*file) : std::nullopt;
+    if (!file) {
+        return std::nullopt;
+    }
+    auto candidates = readHostsFile(*file);
     if (!candidates) {
         return std::nullopt;  // silent: not a backup
     }

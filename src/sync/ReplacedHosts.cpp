@@ -29,6 +29,16 @@ void setDate(const fs::path& file, Clock::time_point date) {
     std::ignore = ::utimensat(AT_FDCWD, file.c_str(), std::array{time, time}.data(), 0);
 }
 
+fs::path withSuffix(fs::path file, const char* suffix) {
+    file += suffix;
+    return file;
+}
+
+bool write(const fs::path& file, const std::vector<SSHHost>& hosts) {
+    const auto json = encodeHosts(hosts);
+    return json && writeFileAtomically(file, *json);
+}
+
 }  // namespace
 
 std::vector<Uuid> removedIds(const std::vector<SSHHost>& current, const std::vector<SSHHost>& received) {
@@ -46,20 +56,25 @@ std::vector<Uuid> removedIds(const std::vector<SSHHost>& current, const std::vec
 }
 
 fs::path replacedHostsFile(const fs::path& hostsFile) {
-    auto file = hostsFile;
-    file += ".before-sync";
-    return file;
+    return withSuffix(hostsFile, ".before-sync");
+}
+
+fs::path removedHostsFile(const fs::path& hostsFile) {
+    return withSuffix(hostsFile, ".before-removal");
 }
 
 void keepReplacedHosts(const fs::path& hostsFile, const std::vector<SSHHost>& current,
                        const std::vector<SSHHost>& received, Clock::time_point now) {
-    const auto file = replacedHostsFile(hostsFile);
-    if (current.empty() || current == received || isFromDayOf(file, now)) {
+    if (current.empty() || current == received) {
         return;
     }
-    const auto json = encodeHosts(current);
-    if (json && writeFileAtomically(file, *json)) {
-        setDate(file, now);
+    const auto firstOfDay = replacedHostsFile(hostsFile);
+    if (!isFromDayOf(firstOfDay, now)) {
+        if (write(firstOfDay, current)) {
+            setDate(firstOfDay, now);
+        }
+    } else if (!removedIds(current, received).empty()) {
+        std::ignore = write(removedHostsFile(hostsFile), current);
     }
 }
 

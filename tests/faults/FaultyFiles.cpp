@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +24,8 @@ struct State {
     Fault fault = Fault::none;
     long operation = 0;
     long count = 0;
-    bool diskFull = false;  ///< a short write was reported
+    bool diskFull = false;            ///< a short write was reported
+    std::optional<mode_t> fixedMode;  ///< of every file
     std::string below;
     std::vector<int> descriptors;  ///< of files below the folder
 };
@@ -110,7 +113,11 @@ ssize_t attemptWrite(int descriptor, const void* bytes, size_t size) {
 }  // namespace
 
 void arm(const std::filesystem::path& below, Fault fault, long operation) {
-    state() = {.armed = true, .fault = fault, .operation = operation, .below = below.string()};
+    state() = {.armed = true, .fault = fault, .operation = operation, .fixedMode = {}, .below = below.string()};
+}
+
+void armFixedMode(const std::filesystem::path& below, mode_t mode) {
+    state() = {.armed = true, .fixedMode = mode, .below = below.string()};
 }
 
 long disarm() {
@@ -145,7 +152,14 @@ int open64(const char* path, int flags, ...) {
 
 int mkostemp(char* name, int flags) {
     const auto next = real<int(char*, int)>("mkostemp");
-    return isWatched(name) ? watched(attempt([&] { return next(name, flags); })) : next(name, flags);
+    if (!isWatched(name)) {
+        return next(name, flags);
+    }
+    const int descriptor = watched(attempt([&] { return next(name, flags); }));
+    if (descriptor >= 0 && state().fixedMode) {
+        real<int(int, mode_t)>("fchmod")(descriptor, *state().fixedMode);
+    }
+    return descriptor;
 }
 
 int close(int descriptor) {
@@ -170,6 +184,10 @@ int fdatasync(int descriptor) {
 
 int fchmod(int descriptor, mode_t mode) noexcept {
     const auto next = real<int(int, mode_t)>("fchmod");
+    if (isWatched(descriptor) && state().fixedMode) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
     return isWatched(descriptor) ? attempt([&] { return next(descriptor, mode); }) : next(descriptor, mode);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <filesystem>
 
@@ -20,6 +22,9 @@ enum class Fault : std::uint8_t {
 
 /// From now on the operation with this number, counted from 1, on a file below the folder has the fault.
 void arm(const std::filesystem::path& below, Fault fault, long operation);
+
+/// From now on a new file below the folder has this mode, and every change of a mode is refused, as on some shares.
+void armFixedMode(const std::filesystem::path& below, mode_t mode);
 
 /// Every operation works again. Returns how many there were while it was armed.
 long disarm();

@@ -213,6 +213,19 @@ TEST_F(FolderSyncManagerTest, TheListThatIsReplacedIsKeptBesideTheHostsFile) {
     EXPECT_EQ(*decodeHosts(contentOf(kept)), mine) << "the first of the day";
 }
 
+TEST_F(FolderSyncManagerTest, WhatAReceivedListRemovesLaterOnTheDayIsKeptToo) {
+    auto& manager = startSharing({hostNamed("mine")});
+    const std::vector theirs{hostNamed("theirs")};
+    writeFromElsewhere(theirs);
+    poll();
+    manager.hosts().edit([](std::vector<SSHHost>& hosts) { hosts.push_back(hostNamed("made since")); });
+    manager.save();
+    const auto before = manager.hosts().get();
+    writeFromElsewhere(theirs);
+    poll();
+    EXPECT_EQ(*decodeHosts(contentOf(hostsFile().string() + ".before-removal")), before);
+}
+
 // ---- launch ----
 
 TEST_F(FolderSyncManagerTest, AtLaunchTheFoldersListWinsAndTheFirstPollWritesIt) {

@@ -96,6 +96,13 @@ public:
         return answer;
     }
 
+    [[nodiscard]] std::uint16_t localPort() const {
+        sockaddr_in6 address{};  // the port of either family is in the same place
+        socklen_t size = sizeof address;
+        ::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size);
+        return ntohs(address.sin6_port);
+    }
+
     /// The error that waits on the connection, if any.
     [[nodiscard]] int pendingError() const {
         int error = 0;

@@ -1,10 +1,14 @@
 #include "PacClient.h"
+#include "fakes/Waiting.h"
+#include "pac/PacListener.h"
 #include "pac/PacServer.h"
 
 #include <gmock/gmock.h>
 #include <ifaddrs.h>
 #include <netdb.h>
+#include <pthread.h>
 
+#include <array>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -122,6 +126,29 @@ TEST_F(PacServerTest, SilentClientGetsTheContentOfTheTimeWhenItSpeaks) {
     expectScript(client.receiveAll(), "later");
 }
 
+/// The other end of a client's connection, which is in this process too; -1 while it is not there yet.
+int serverSideOf(const PacClient& client) {
+    constexpr int beyondAny = 1024;
+    for (int descriptor = 0; descriptor < beyondAny; ++descriptor) {
+        sockaddr_in6 peer{};
+        socklen_t size = sizeof peer;
+        if (::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) == 0 &&
+            ntohs(peer.sin6_port) == client.localPort()) {
+            return descriptor;
+        }
+    }
+    return -1;
+}
+
+TEST_F(PacServerTest, NoticesInTheEndWhenASilentClientHasVanished) {
+    const PacClient client(port);
+    ASSERT_TRUE(waitFor([&] { return serverSideOf(client) >= 0; }));
+    int keepsAlive = 0;
+    socklen_t size = sizeof keepsAlive;
+    ::getsockopt(serverSideOf(client), SOL_SOCKET, SO_KEEPALIVE, &keepsAlive, &size);
+    EXPECT_NE(keepsAlive, 0);
+}
+
 TEST_F(PacServerTest, SurvivesClientsThatConnectAndClose) {
     for (int i = 0; i < 100; ++i) {
         PacClient politely(port);
@@ -215,6 +242,18 @@ TEST_F(PacServerTest, PortInUseIsSilentAndTheUrlIsStillShown) {
     second.setContent("kept");
     EXPECT_EQ(second.content(), "kept");
     expectFallback(fetch(port));
+}
+
+TEST(PacListenerTest, ItsThreadSaysWhatItIs) {
+    std::array<char, 64> name{};
+    auto listener = PacListener::listen(0, [&] {
+        ::pthread_getname_np(::pthread_self(), name.data(), name.size());
+        return std::make_shared<const std::string>("answer");
+    });
+    ASSERT_NE(listener, nullptr);
+    EXPECT_EQ(fetch(listener->port()).header, "answer");
+    listener.reset();
+    EXPECT_THAT(name.data(), ::testing::EndsWith("pac-server"));
 }
 
 TEST(PacServerPortTest, UrlNamesThePortBeforeItIsListenedOn) {

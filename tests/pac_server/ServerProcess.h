@@ -45,6 +45,7 @@ public:
 
     long hoardDescriptors() { return ask('h'); }
     long releaseDescriptors() { return ask('r'); }
+    bool canStartProgram() { return ask('s') == 1; }
     long processorMicroseconds() { return ask('p'); }
     long wakeUps() { return ask('w'); }
 

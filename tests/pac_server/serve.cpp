@@ -3,13 +3,15 @@
 //   serve_pac descriptors on|off     listens or not, and prints the port
 //   h   hoards every descriptor that is left: how many
 //   r   releases them: how many
+//   s   starts a program with two pipes: 1 when that was possible
 //   p   processor time used so far, in microseconds
 //   w   how often it has woken up so far
-#include "base/UniqueFd.h"
+#include "base/Pipe.h"
 #include "pac/PacServer.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -32,6 +34,20 @@ long hoardDescriptors() {
     }
 }
 
+long startProgram() {
+    const auto input = velmora::makePipe();
+    const auto output = velmora::makePipe();
+    const pid_t process = input && output ? ::fork() : -1;
+    if (process == 0) {
+        ::execl("/bin/sh", "sh", "-c", "exit 7", nullptr);
+        ::_exit(127);
+    }
+    int status = 0;
+    return process > 0 && ::waitpid(process, &status, 0) == process && WIFEXITED(status) && WEXITSTATUS(status) == 7
+               ? 1
+               : 0;
+}
+
 long obey(char command) {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
@@ -43,6 +59,8 @@ long obey(char command) {
             hoard.clear();
             return count;
         }
+        case 's':
+            return startProgram();
         case 'p':
             return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1'000'000 + usage.ru_utime.tv_usec +
                    usage.ru_stime.tv_usec;

@@ -174,6 +174,29 @@ TEST_F(FolderSyncTest, AnOlderCopyIsApplied) {
     EXPECT_THAT(received_, ElementsAre(hosts_));
 }
 
+TEST_F(FolderSyncTest, ChoosingAFolderForgetsTheDateOfAFileSeenBefore) {
+    writeFromElsewhere(json(), 0);
+    sync_.setFolder(folder());
+    poll();
+    ASSERT_THAT(received_, SizeIs(1));
+    sync_.setFolder(folder());
+    poll();
+    EXPECT_THAT(received_, SizeIs(2));
+}
+
+TEST_F(FolderSyncTest, APushThatFailsForgetsTheDateOfTheOneBefore) {
+    sync_.setFolder(folder());
+    sync_.push(hosts_);
+    const auto date = fs::last_write_time(file());
+    const auto elsewhere = directory_ / "elsewhere";
+    fs::rename(folder(), elsewhere);
+    sync_.push({});
+    fs::rename(elsewhere, folder());
+    ASSERT_EQ(fs::last_write_time(file()), date);
+    poll();
+    EXPECT_THAT(received_, ElementsAre(hosts_)) << "what is in the folder is not what was pushed last";
+}
+
 TEST_F(FolderSyncTest, AMalformedFileIsNotRetriedUntilItsDateChanges) {
     writeFromElsewhere("not JSON", 0);
     sync_.setFolder(folder());

@@ -38,10 +38,12 @@ protected:
     void keep(const std::vector<SSHHost>& current, const std::vector<SSHHost>& received) const {
         keepReplacedHosts(hostsFile_, current, received, now_);
     }
-    std::vector<SSHHost> kept() const {
-        auto hosts = decodeHosts(contentOf(replacedHostsFile(hostsFile_)));
+    static std::vector<SSHHost> hostsIn(const std::filesystem::path& file) {
+        auto hosts = decodeHosts(contentOf(file));
         return hosts ? *std::move(hosts) : std::vector<SSHHost>();
     }
+    std::vector<SSHHost> kept() const { return hostsIn(replacedHostsFile(hostsFile_)); }
+    std::vector<SSHHost> keptBeforeRemoval() const { return hostsIn(removedHostsFile(hostsFile_)); }
 
     TemporaryDirectory directory_;
     std::filesystem::path hostsFile_ = directory_ / "hosts.json";
@@ -66,6 +68,37 @@ TEST_F(ReplacedHostsTest, TheFirstListOfADayIsKept) {
     EXPECT_EQ(kept(), theirs_) << "the next day";
 }
 
+TEST_F(ReplacedHostsTest, AListThatLosesHostsLaterOnTheDayIsKeptToo) {
+    keep(mine_, theirs_);
+    EXPECT_FALSE(std::filesystem::exists(directory_ / "hosts.json.before-removal")) << "one file holds it";
+    now_ += 1h;
+    auto more = theirs_;
+    more.push_back(hostNamed("made since"));
+    keep(more, theirs_);
+    EXPECT_EQ(kept(), mine_);
+    EXPECT_EQ(keptBeforeRemoval(), more);
+    EXPECT_EQ(modeOf(directory_ / "hosts.json.before-removal"), 0600);
+    now_ += 1h;
+    const std::vector evenLater{hostNamed("made even later")};
+    keep(evenLater, {});
+    EXPECT_EQ(kept(), mine_);
+    EXPECT_EQ(keptBeforeRemoval(), evenLater) << "the latest";
+}
+
+TEST_F(ReplacedHostsTest, AListThatLosesNoHostIsKeptOnceADay) {
+    keep(mine_, theirs_);
+    keep(theirs_, mine_);
+    auto changed = mine_;
+    changed[0].name = "renamed";
+    changed.push_back(hostNamed("another"));
+    keep(mine_, changed);
+    EXPECT_EQ(keptBeforeRemoval(), theirs_) << "names change and hosts are added: nothing is removed";
+    now_ += std::chrono::days(1);
+    keep(changed, {});
+    EXPECT_EQ(kept(), changed);
+    EXPECT_EQ(keptBeforeRemoval(), theirs_) << "the first of the day has a file of its own";
+}
+
 TEST_F(ReplacedHostsTest, AClockThatWasSetBackKeepsAgain) {
     keep(mine_, theirs_);
     now_ -= std::chrono::days(2);
@@ -79,6 +112,9 @@ TEST_F(ReplacedHostsTest, EqualListsAndAnEmptyOneLeaveTheFileAlone) {
     EXPECT_FALSE(std::filesystem::exists(directory_ / "hosts.json.before-sync"));
     keep(mine_, {});
     EXPECT_EQ(kept(), mine_) << "the day was not used up";
+    keep(mine_, mine_);
+    keep({}, theirs_);
+    EXPECT_FALSE(std::filesystem::exists(directory_ / "hosts.json.before-removal"));
 }
 
 TEST_F(ReplacedHostsTest, FailuresAreSilent) {
@@ -91,6 +127,12 @@ TEST_F(ReplacedHostsTest, FailuresAreSilent) {
     keepReplacedHosts(directory_ / "other.json", broken, theirs_, now_);
     keepReplacedHosts(directory_ / "none" / "hosts.json", mine_, theirs_, now_);
     EXPECT_FALSE(std::filesystem::exists(directory_ / "other.json.before-sync"));
+    hostsFile_ = directory_ / "third.json";
+    keep(mine_, theirs_);
+    std::filesystem::create_directory(directory_ / "third.json.before-removal");
+    keep(theirs_, mine_);
+    EXPECT_TRUE(std::filesystem::is_empty(directory_ / "third.json.before-removal"));
+    EXPECT_EQ(kept(), mine_);
 }
 
 }  // namespace

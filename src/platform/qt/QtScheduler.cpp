@@ -1,6 +1,7 @@
 #include "platform/qt/QtScheduler.h"
 
 #include <QMetaObject>
+#include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
@@ -43,12 +44,27 @@ private:
             arm();
             return;
         }
-        if (interval_ > milliseconds(0)) {
-            deadline_ = std::max(deadline_ + interval_, now);
+        const auto task = task_;  // the task may destroy this timer
+        if (interval_ == milliseconds(0)) {
+            (*task)();
+            return;
+        }
+        deadline_ += interval_;
+        arm();
+        const QPointer<QTimer> alive(&timer_);
+        (*task)();
+        if (alive) {
+            leaveTimeForOthers();
+        }
+    }
+
+    /// A timer that is due again when its task has just ended would keep the event loop from everything else.
+    void leaveTimeForOthers() {
+        const auto now = steady_clock::now();
+        if (deadline_ <= now) {
+            deadline_ = now + interval_;
             arm();
         }
-        const auto task = task_;  // the task may destroy this timer
-        (*task)();
     }
 
     QTimer timer_;

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -85,6 +87,61 @@ TEST(QtScheduler, RepeatsWithoutDrift) {
     const auto timer = scheduler.every(4ms, [&] { ++runs; });
     ASSERT_TRUE(runUntil([&] { return runs >= 10; }));
     EXPECT_GE(Clock::now() - start, 40ms);
+}
+
+/// The times between the end of a task and the start of its next run.
+class Pauses {
+public:
+    void taskStarts() {
+        if (end_) {
+            all_.push_back(Clock::now() - *end_);
+        }
+    }
+    void taskEnds() { end_ = Clock::now(); }
+
+    [[nodiscard]] std::size_t count() const { return all_.size(); }
+    [[nodiscard]] Clock::duration shortest() const { return *std::min_element(all_.begin(), all_.end()); }
+
+private:
+    std::optional<Clock::time_point> end_;
+    std::vector<Clock::duration> all_;
+};
+
+TEST(QtScheduler, ATaskLongerThanItsIntervalLeavesTheLoopAnInterval) {
+    QtScheduler scheduler;
+    Pauses pauses;
+    const auto timer = scheduler.every(5ms, [&] {
+        pauses.taskStarts();
+        std::this_thread::sleep_for(7ms);
+        pauses.taskEnds();
+    });
+    ASSERT_TRUE(runUntil([&] { return pauses.count() >= 2; }));
+    EXPECT_GE(pauses.shortest(), 5ms);
+}
+
+TEST(QtScheduler, AShortTaskIsPartOfItsInterval) {
+    QtScheduler scheduler;
+    Pauses pauses;
+    const auto timer = scheduler.every(10ms, [&] {
+        pauses.taskStarts();
+        std::this_thread::sleep_for(3ms);
+        pauses.taskEnds();
+    });
+    EXPECT_TRUE(runUntil([&] { return pauses.count() > 0 && pauses.shortest() < 10ms; }));
+}
+
+TEST(QtScheduler, ALongTaskMayDestroyItsOwnHandle) {
+    QtScheduler scheduler;
+    int runs = 0;
+    Scheduler::TimerHandle timer;
+    timer = scheduler.every(1ms, [&] {
+        ++runs;
+        timer.reset();
+        std::this_thread::sleep_for(2ms);
+    });
+    ASSERT_TRUE(runUntil([&] { return runs == 1; }));
+    runFor(5ms);
+    EXPECT_EQ(runs, 1);
 }
 
 TEST(QtScheduler, TakesDelaysOfMonths) {
