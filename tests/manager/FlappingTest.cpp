@@ -1,4 +1,5 @@
 #include "fakes/FakeSystem.h"
+#include "fakes/Waiting.h"
 #include "manager/TunnelManager.h"
 
 #include <gmock/gmock.h>
@@ -36,7 +37,10 @@ protected:
         for (std::size_t i = 0; i < tunnels; ++i) {
             make(hosts[i], i);
         }
+        const auto threads = entriesIn("/proc/self/task");
         manager_.emplace(system_.platform());
+        // Its server has a thread of its own; the one that looks for abandoned scripts has a folder open until it ends.
+        ASSERT_TRUE(waitFor([threads] { return entriesIn("/proc/self/task") == threads + 1; }));
         descriptorsBefore_ = descriptors();
         manager_->hosts().set(std::move(hosts));
         for (const auto& host : std::vector(manager_->hosts().get())) {
@@ -61,12 +65,11 @@ protected:
     }
     SSHHost anyHost() { return manager_->hosts()->at(below(manager_->hosts()->size())); }
 
-    static std::size_t descriptors() {
-        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+    static std::size_t entriesIn(const std::filesystem::path& folder) {
+        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
     }
-    std::size_t askpassFiles() const {
-        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(system_.runtime.path()), {}));
-    }
+    static std::size_t descriptors() { return entriesIn("/proc/self/fd"); }
+    std::size_t askpassFiles() const { return entriesIn(system_.runtime.path()); }
 
     /// Some give up at once, some work for a while, some for minutes.
     milliseconds lifetime() {
