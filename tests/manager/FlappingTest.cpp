@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <random>
@@ -37,10 +39,11 @@ protected:
         for (std::size_t i = 0; i < tunnels; ++i) {
             make(hosts[i], i);
         }
-        const auto threads = entriesIn("/proc/self/task");
+        const auto abandoned = system_.runtime / ("velmora-askpass-" + Uuid::random().toString() + ".sh");
+        writeContent(abandoned, "#!/bin/sh\n");
         manager_.emplace(system_.platform());
-        // Its server has a thread of its own; the one that looks for abandoned scripts has a folder open until it ends.
-        ASSERT_TRUE(waitFor([threads] { return entriesIn("/proc/self/task") == threads + 1; }));
+        // Its thread for such scripts has the folder open until it ends.
+        ASSERT_TRUE(waitFor([&] { return !std::filesystem::exists(abandoned) && !isOpen(system_.runtime.path()); }));
         descriptorsBefore_ = descriptors();
         manager_->hosts().set(std::move(hosts));
         for (const auto& host : std::vector(manager_->hosts().get())) {
@@ -65,6 +68,13 @@ protected:
     }
     SSHHost anyHost() { return manager_->hosts()->at(below(manager_->hosts()->size())); }
 
+    static bool isOpen(const std::filesystem::path& folder) {
+        const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+        return std::any_of(begin(descriptors), end(descriptors), [&](const auto& entry) {
+            std::error_code error;
+            return std::filesystem::read_symlink(entry, error) == folder;
+        });
+    }
     static std::size_t entriesIn(const std::filesystem::path& folder) {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
     }
