@@ -110,6 +110,14 @@ TEST(AbandonedAskpassScripts, AreRemovedAndLivingOnesStay) {
     EXPECT_FALSE(std::filesystem::exists(dead));
 }
 
+/// Another program of the same user may be making it: until it is locked it is empty.
+TEST(AbandonedAskpassScripts, OneThatHoldsNothingYetStays) {
+    const TemporaryDirectory directory;
+    const auto script = directory / leftBehind(directory, scriptName(), "");
+    removeAbandonedAskpassScripts(directory.path());
+    EXPECT_TRUE(std::filesystem::exists(script));
+}
+
 TEST(AbandonedAskpassScripts, OtherFilesStay) {
     const TemporaryDirectory directory;
     for (const auto& name : {std::string("velmora-askpass-x.sh"), std::string("velmora-askpass-.sh"),

@@ -47,8 +47,11 @@ QVariant writable(const QVariant& value) {
 /// What can be read of a file; lines that cannot are left out.
 std::map<QString, QVariant> readable(const std::filesystem::path& file) {
     const auto text = readFile(file, largest);
-    const auto kept = text ? withoutObjects(*text) : std::string();
-    if (!text || kept == *text) {
+    if (!text) {
+        return {};
+    }
+    const auto kept = withoutObjects(*text);
+    if (kept == *text) {
         return harmless(file);
     }
     const QTemporaryDir scratch;

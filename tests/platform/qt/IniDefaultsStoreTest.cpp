@@ -183,6 +183,18 @@ TEST_F(IniDefaultsStoreTest, ReadsAFileThatIsNoneAsEmpty) {
     open()->setBoolean("performanceMode", true);
 }
 
+TEST_F(IniDefaultsStoreTest, AFileThatCannotBeReadIsNotWrittenOver) {
+    std::filesystem::create_directories(file.parent_path());
+    writeContent(file, "[General]\nsyncFolderPath=/tunnels\n");
+    constexpr std::uintmax_t tooLarge = (std::uintmax_t{64} << 20) + 1;
+    std::filesystem::resize_file(file, tooLarge);
+    const auto store = open();
+    EXPECT_FALSE(store->contains("syncFolderPath"));
+    store->setString("written", "now");
+    EXPECT_EQ(store->string("written"), "now") << "it holds until the program ends";
+    EXPECT_EQ(std::filesystem::file_size(file), tooLarge);
+}
+
 TEST_F(IniDefaultsStoreTest, LeavesWhatOthersWroteMeanwhile) {
     const auto store = open();
     store->setString("globalProxyJump", "one");
