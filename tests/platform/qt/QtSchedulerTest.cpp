@@ -92,12 +92,13 @@ TEST(QtScheduler, RepeatsWithoutDrift) {
 /// The times between the end of a task and the start of its next run.
 class Pauses {
 public:
-    void taskStarts() {
+    void runTask(std::chrono::milliseconds busy) {
         if (end_) {
             all_.push_back(Clock::now() - *end_);
         }
+        std::this_thread::sleep_for(busy);
+        end_ = Clock::now();
     }
-    void taskEnds() { end_ = Clock::now(); }
 
     [[nodiscard]] std::size_t count() const { return all_.size(); }
     [[nodiscard]] Clock::duration shortest() const { return *std::min_element(all_.begin(), all_.end()); }
@@ -110,11 +111,7 @@ private:
 TEST(QtScheduler, ATaskLongerThanItsIntervalLeavesTheLoopAnInterval) {
     QtScheduler scheduler;
     Pauses pauses;
-    const auto timer = scheduler.every(5ms, [&] {
-        pauses.taskStarts();
-        std::this_thread::sleep_for(7ms);
-        pauses.taskEnds();
-    });
+    const auto timer = scheduler.every(5ms, [&] { pauses.runTask(7ms); });
     ASSERT_TRUE(runUntil([&] { return pauses.count() >= 2; }));
     EXPECT_GE(pauses.shortest(), 5ms);
 }
@@ -122,11 +119,7 @@ TEST(QtScheduler, ATaskLongerThanItsIntervalLeavesTheLoopAnInterval) {
 TEST(QtScheduler, AShortTaskIsPartOfItsInterval) {
     QtScheduler scheduler;
     Pauses pauses;
-    const auto timer = scheduler.every(10ms, [&] {
-        pauses.taskStarts();
-        std::this_thread::sleep_for(3ms);
-        pauses.taskEnds();
-    });
+    const auto timer = scheduler.every(10ms, [&] { pauses.runTask(3ms); });
     EXPECT_TRUE(runUntil([&] { return pauses.count() > 0 && pauses.shortest() < 10ms; }));
 }
 
